@@ -1,0 +1,12 @@
+# Fails when one of FILES includes a project directory that MAY_INCLUDE does not list; else writes STAMP.
+cmake_minimum_required(VERSION 3.25)
+foreach(file IN LISTS FILES)
+    file(STRINGS ${file} lines REGEX "^#include \"")
+    foreach(line IN LISTS lines)
+        string(REGEX REPLACE "^#include \"([^\"]*)/[^/\"]*\".*" "\\1" directory "${line}")
+        if(NOT directory IN_LIST MAY_INCLUDE)
+            message(FATAL_ERROR "${file}: ${line}\nThis directory may include only: ${MAY_INCLUDE}")
+        endif()
+    endforeach()
+endforeach()
+file(TOUCH ${STAMP})

@@ -1,0 +1,48 @@
+// Answers of any shape to the handlers of the SIM, the signal and the module's readiness. The input is a
+// sequence of {which handler, length, text}.
+#include "fuzz/input.h"
+#include "session/not_there_yet.h"
+#include "session/signal_watch.h"
+#include "session/sim_card.h"
+#include "tests/support/session_bench.h"
+
+namespace {
+
+using namespace varkel;
+using namespace varkel::test;
+
+struct Target {
+    Target() { bench.log.Open("log", 64 * 1024, LogLevel::Debug); }
+
+    void Handle(unsigned handler, std::string_view text) {
+        switch (handler % 6) {
+            case 0: sim.OnCpin(text); break;
+            case 1: sim.OnUrcInd(text); break;
+            case 2: sim.OnSimInserted(text); break;
+            case 3: sim.OnCimi(text); break;
+            case 4: sim.OnGsn(text); break;
+            default: signal.OnSignalStatus(text); break;
+        }
+    }
+
+    SessionBench bench;
+    SessionState state;
+    Settings settings{bench.registry};
+    CATChannel at{bench.runtime, bench.unit, bench.windows, bench.log};
+    Session session{bench.platform, state, settings, at, bench.screens};
+    NoDataConnection data{bench.log};
+    Worker worker{bench.runtime, "link"};
+    SimCard sim{session};
+    SignalWatch signal{session, data, worker};
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    static auto* const target = new Target;  // its threads wait for ever, so it is never destroyed
+    for (FuzzInput input(bytes, size); !input.Empty();) {
+        const unsigned handler = input.Byte();
+        target->Handle(handler, input.Piece());
+    }
+    return 0;
+}

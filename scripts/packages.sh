@@ -1,0 +1,27 @@
+# Installs the Debian packages that a command needs. To be sourced.
+
+packages_build="g++ cmake ninja-build pkg-config libsqlite3-dev libsystemd-dev libcli11-dev libgtest-dev libgmock-dev"
+packages_run="dbus-daemon"
+packages_check="libbenchmark-dev dbus-daemon util-linux"
+
+# need_packages NAME...: does nothing, and quickly, when all are there.
+need_packages() {
+    missing=""
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" || missing="$missing $package"
+    done
+    [ -n "$missing" ] || return 0
+    echo "installing:$missing"
+    as_root=""
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "these packages are missing, and there is no sudo to install them with:$missing" >&2
+            return 1
+        fi
+        as_root=sudo
+    fi
+    export DEBIAN_FRONTEND=noninteractive
+    $as_root apt-get update -qq
+    # shellcheck disable=SC2086 # a list of words
+    $as_root apt-get install -y -qq --no-install-recommends $missing >/dev/null
+}

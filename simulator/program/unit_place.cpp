@@ -1,0 +1,99 @@
+#include "simulator/program/unit_place.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include "platform/linux/directories.h"
+#include "platform/linux/file_descriptor.h"
+#include "simulator/bytes.h"
+
+namespace varkel::sim {
+
+namespace {
+
+// The module opens by itself when the unit starts.
+constexpr std::string_view factoryRegistry =
+    "# Values with which the registry begins; written by varkel-sim at every start.\n"
+    "[GPRS\\OPENFLAG]\n"
+    "m_GprsAutoOpenFlag = dword:1\n";
+
+bool WriteFile(const std::string& path, std::string_view text) {
+    const FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+    return file && WriteAll(file.Get(), text);
+}
+
+// FNV-1a: short, and different for different directories.
+std::string PrefixFor(const std::string& directory) {
+    std::uint32_t hash = 2166136261u;
+    for (const char c : directory)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+    std::string bytes;
+    for (const int shift : {24, 16, 8, 0})
+        bytes += static_cast<char>(hash >> shift);
+    return "varkel-sim-" + HexFromBytes(bytes);
+}
+
+std::string UnitFile(const UnitPlace& place, const std::string& assets) {
+    return "# The simulated unit; written by varkel-sim at every start.\n"
+           "[unit]\n"
+           "root = flash\n" +
+           (assets.empty() ? std::string() : "assets = " + assets + "\n") +
+           "registry = registry.db\n"
+           "initial_registry = registry.txt\n"
+           "object_prefix = " +
+           place.objectPrefix +
+           "\n"
+           "bus = session\n"
+           "driver = bus\n"
+           "\n"
+           "[serial]\n"
+           "COM7: = " +
+           place.tty + "\n";
+}
+
+}  // namespace
+
+std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, const std::string& assets,
+                                       std::string& fault) {
+    std::error_code error;
+    const std::string absolute = std::filesystem::absolute(directory, error).lexically_normal().string();
+    const std::string absoluteAssets =
+        assets.empty() ? "" : std::filesystem::absolute(assets, error).lexically_normal().string();
+    if (error || absolute.find('\n') != std::string::npos || absoluteAssets.find('\n') != std::string::npos) {
+        fault = "a directory of that name cannot be used";
+        return std::nullopt;
+    }
+    UnitPlace place;
+    place.unitFile = absolute + "/unit.conf";
+    place.tty = absolute + "/ttyModem";
+    place.objectPrefix = PrefixFor(absolute);
+    const bool there = MakePrivateDirectories(absolute + "/flash");
+    place.lock.Reset(open((absolute + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (place.lock && flock(place.lock.Get(), LOCK_EX | LOCK_NB) != 0) {
+        fault = "another simulator runs in " + absolute;
+        return std::nullopt;
+    }
+    // A link that was left over would lead to some other terminal.
+    const bool made = there && place.lock && WriteFile(absolute + "/registry.txt", factoryRegistry) &&
+                      WriteFile(place.unitFile, UnitFile(place, absoluteAssets)) &&
+                      (unlink(place.tty.c_str()) == 0 || errno == ENOENT);
+    if (!made) {
+        fault = absolute + ": " + std::strerror(errno);
+        return std::nullopt;
+    }
+    return place;
+}
+
+std::string DefaultUnitDirectory() {
+    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime && runtime[0] == '/') return std::string(runtime) + "/varkel-sim";
+    return "/tmp/varkel-sim-" + std::to_string(getuid());
+}
+
+}  // namespace varkel::sim

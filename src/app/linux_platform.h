@@ -1,0 +1,51 @@
+// The services of the Linux backend, put together as the unit file says.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/language.h"
+#include "platform/linux/bus.h"
+#include "platform/linux/bus_window_messages.h"
+#include "platform/linux/linux_processes.h"
+#include "platform/linux/linux_runtime.h"
+#include "platform/linux/linux_unit_files.h"
+#include "platform/linux/problem_sink.h"
+#include "platform/linux/shm_named_objects.h"
+#include "platform/linux/sqlite_registry.h"
+#include "platform/linux/tty_serial_port.h"
+#include "platform/linux/unit_settings.h"
+#include "platform/platform.h"
+
+namespace varkel {
+
+class LinuxPlatform {
+  public:
+    // `onProblem` hears what a service reports of itself.
+    LinuxPlatform(LinuxRuntime& runtime, MessageLoop& loop, const UnitSettings& settings,
+                  ProblemSink onProblem);
+
+    // Null when no registry could be opened, without which the program cannot run.
+    Registry* GetRegistry() { return m_registry.get(); }
+    const Language& GetLanguage() const { return m_language; }
+    Log& GetLog() { return m_log; }
+
+    // Everything, with the message boxes of whoever draws them. Not without a registry.
+    Platform Services(Notices& notices);
+
+  private:
+    LinuxRuntime& m_runtime;
+    MessageLoop& m_loop;
+    LinuxUnitFiles m_files;
+    Log m_log;
+    Language m_language;
+    std::unique_ptr<SqliteRegistry> m_registry;
+    ShmNamedObjects m_objects;
+    Bus m_bus;
+    BusWindowMessages m_windows;
+    std::unique_ptr<KovexDrvApi> m_driver;
+    TtySerialPort m_serial;
+    LinuxProcesses m_processes;
+};
+
+}  // namespace varkel

@@ -1,0 +1,24 @@
+// The command line.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/log.h"
+
+namespace varkel {
+
+struct Options {
+    std::string commandLine;  // "1": a start in the background that opens the module
+    bool headless = false;
+    std::string unitFile;  // empty: the defaults of a user's own run
+    std::string port;      // empty: as the unit file says
+    std::string assets;    // likewise
+    LogLevel logLevel = LogLevel::Debug;
+    bool debugOutput = false;
+};
+
+// Nothing when the program is to end at once, with `exitCode`.
+std::optional<Options> ParseOptions(int argc, char** argv, int& exitCode);
+
+}  // namespace varkel

@@ -1,0 +1,26 @@
+#include "platform/language.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr std::size_t largestLanguageFile = 256 * 1024;
+
+std::string WithLineFeeds(std::string text) {
+    for (std::size_t at = 0; (at = text.find("\\n", at)) != std::string::npos; ++at)
+        text.replace(at, 2, "\n");
+    return text;
+}
+
+}  // namespace
+
+std::string LanguageSection::LoadString(std::string_view key) const {
+    return DispRightToLeft(WithLineFeeds(m_texts.Get(m_section, key, key)));
+}
+
+Language::Language(UnitFiles& files, std::string_view name) : m_name(name) {
+    const std::string path = "\\ResidentFlash2\\bin\\Language\\" + m_name + ".txt";
+    if (const auto text = files.ReadWhole(path, largestLanguageFile)) m_texts = KeyFile::Parse(*text);
+}
+
+}  // namespace varkel

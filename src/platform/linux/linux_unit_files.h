@@ -1,0 +1,39 @@
+// The unit's flash as two directory trees: the unit's root, and below it the installed assets, read only.
+#pragma once
+
+#include <mutex>
+#include <string>
+
+#include "platform/linux/unit_directory.h"
+#include "platform/unit_files.h"
+
+namespace varkel {
+
+// A file is looked for below the root and then among the assets; everything that is written lands below the
+// root. Names match without regard to ASCII case. The volume, which is the first name of a path, is made when
+// it is missing, as on a unit it is always there. All belongs to the user alone.
+//
+// A WriteWhole whose very last step fails (making the directory durable) returns false although the new bytes
+// stand there.
+class LinuxUnitFiles final : public UnitFiles {
+  public:
+    LinuxUnitFiles(std::string root, std::string assets);
+
+    bool CreateDirectory(std::string_view path) override;
+    bool Exists(std::string_view path) override;
+    std::optional<std::string> ReadWhole(std::string_view path, std::size_t limit) override;
+    bool WriteWhole(std::string_view path, std::string_view bytes) override;
+    std::unique_ptr<AppendFile> StartFile(std::string_view path) override;
+    bool Rename(std::string_view from, std::string_view to) override;
+    std::optional<std::uint64_t> GetDiskFreeSpace(std::string_view volume) override;
+
+  private:
+    // Where the existing file stands, below the root or among the assets.
+    std::optional<PlacedFile> Find(std::string_view path) const;
+
+    const UnitDirectory m_root;
+    const UnitDirectory m_assets;
+    std::mutex m_writing;  // one WriteWhole at a time: they share the name of the file that they prepare
+};
+
+}  // namespace varkel

@@ -1,0 +1,173 @@
+#include "platform/linux/unit_settings.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+#include "platform/key_file.h"
+#include "platform/linux/child_process.h"
+#include "platform/linux/device_path.h"
+#include "platform/linux/file_descriptor.h"
+#include "platform/linux/name_encoding.h"
+#include "platform/text.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr std::size_t largestUnitFile = std::size_t{256} * 1024;
+constexpr std::string_view languages[] = {"english", "chinese", "tchinese", "russian", "portugal", "arabic"};
+
+std::string UpperAscii(std::string_view text) {
+    std::string upper(text);
+    for (char& c : upper) {
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    }
+    return upper;
+}
+
+std::string Absolute(std::string_view path, const std::string& directory) {
+    return (std::filesystem::path(directory) / path).lexically_normal().string();
+}
+
+// The setters of the section [unit]; false when the value cannot be used.
+using Set = bool (*)(UnitSettings& settings, const std::string& value, const std::string& directory);
+
+template <std::string UnitSettings::*Member>
+bool SetPath(UnitSettings& settings, const std::string& value, const std::string& directory) {
+    if (value.empty()) return false;
+    settings.*Member = Absolute(value, directory);
+    return true;
+}
+
+bool SetLanguage(UnitSettings& settings, const std::string& value, const std::string&) {
+    const auto* const known = std::find(std::begin(languages), std::end(languages), LowerAscii(value));
+    if (known == std::end(languages)) return false;
+    settings.language = *known;
+    return true;
+}
+
+bool SetPrefix(UnitSettings& settings, const std::string& value, const std::string&) {
+    if (value.empty() || value.size() > 64 || EncodedName(value, '%') != value) return false;
+    settings.objectPrefix = value;
+    return true;
+}
+
+bool SetBus(UnitSettings& settings, const std::string& value, const std::string&) {
+    if (EqualIgnoringCase(value, "session")) {
+        settings.bus = {BusKind::Session, {}};
+    } else if (EqualIgnoringCase(value, "system")) {
+        settings.bus = {BusKind::System, {}};
+    } else if (EqualIgnoringCase(value, "none")) {
+        settings.bus = {BusKind::None, {}};
+    } else if (value.find(':') != std::string::npos) {
+        settings.bus = {BusKind::Address, value};
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool SetDriver(UnitSettings& settings, const std::string& value, const std::string&) {
+    const bool bus = EqualIgnoringCase(value, "bus");
+    if (!bus && !EqualIgnoringCase(value, "board")) return false;
+    settings.driver = bus ? DriverKind::Bus : DriverKind::Board;
+    return true;
+}
+
+struct Key {
+    std::string_view name;
+    Set set;
+};
+
+constexpr Key unitKeys[] = {
+    {"root", SetPath<&UnitSettings::root>},
+    {"assets", SetPath<&UnitSettings::assets>},
+    {"language", SetLanguage},
+    {"registry", SetPath<&UnitSettings::registry>},
+    {"initial_registry", SetPath<&UnitSettings::initialRegistry>},
+    {"object_prefix", SetPrefix},
+    {"bus", SetBus},
+    {"driver", SetDriver},
+};
+
+// What is wrong with the entry; "" when it was taken.
+std::string Take(const KeyFile::Entry& entry, const std::string& directory, UnitSettings& settings) {
+    if (EqualIgnoringCase(entry.section, "unit")) {
+        for (const Key& key : unitKeys) {
+            if (!EqualIgnoringCase(key.name, entry.key)) continue;
+            return key.set(settings, entry.value, directory) ? "" : "not a value for " + entry.key;
+        }
+        return "unknown key " + entry.key;
+    }
+    if (EqualIgnoringCase(entry.section, "serial")) {
+        if (entry.value.empty()) return "a device without a tty";
+        settings.serial[UpperAscii(entry.key)] = Absolute(entry.value, directory);
+        return {};
+    }
+    if (EqualIgnoringCase(entry.section, "programs")) {
+        auto command = SplitCommand(entry.value);
+        if (command.empty()) return "not a command";
+        settings.programs[PlainDevicePath(entry.key)] = std::move(command);
+        return {};
+    }
+    if (EqualIgnoringCase(entry.section, "driver")) return {};
+    return "unknown section [" + entry.section + "]";
+}
+
+std::string DataDirectory() {
+    const char* const data = std::getenv("XDG_DATA_HOME");
+    if (data && data[0] == '/') return std::string(data) + "/varkel";
+    const char* const home = std::getenv("HOME");
+    return std::string(home && home[0] == '/' ? home : "/tmp") + "/.local/share/varkel";
+}
+
+}  // namespace
+
+std::string UnitSettings::TtyOf(std::string_view deviceName) const {
+    const auto found = serial.find(UpperAscii(deviceName));
+    return found == serial.end() ? std::string() : found->second;
+}
+
+UnitSettings DefaultUnitSettings() {
+    const std::string data = DataDirectory();
+    UnitSettings settings;
+    settings.root = data + "/flash";
+    settings.assets = "/usr/share/varkel/assets";
+    settings.language = "english";
+    settings.registry = data + "/registry.db";
+    settings.objectPrefix = "varkel-" + std::to_string(geteuid());
+    settings.serial["COM7:"] = "/dev/ttyUSB2";
+    return settings;
+}
+
+UnitSettings ParseUnitSettings(std::string_view text, const std::string& directory) {
+    UnitSettings settings = DefaultUnitSettings();
+    const KeyFile file = KeyFile::Parse(text);
+    settings.errors = file.Errors();
+    for (const KeyFile::Entry& entry : file.Entries()) {
+        const std::string problem = Take(entry, directory, settings);
+        if (!problem.empty())
+            settings.errors.push_back("line " + std::to_string(entry.line) + ": " + problem);
+    }
+    settings.board = BoardAnswers::Parse(file);
+    settings.errors.insert(settings.errors.end(), settings.board.errors.begin(), settings.board.errors.end());
+    return settings;
+}
+
+UnitSettings LoadUnitSettings(const std::string& path) {
+    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const auto text = file ? ReadAll(file.Get(), largestUnitFile) : std::nullopt;
+    if (!text) {
+        UnitSettings settings = DefaultUnitSettings();
+        settings.errors.push_back(path + " cannot be read, or is larger than 256 KiB");
+        return settings;
+    }
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(path, error);
+    return ParseUnitSettings(*text, absolute.parent_path().string());
+}
+
+}  // namespace varkel

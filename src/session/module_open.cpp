@@ -1,0 +1,186 @@
+#include "session/module_open.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr int port = 7;
+constexpr std::uint32_t baudRate = 115200;
+constexpr int networkMode = 2;
+
+constexpr Ticks tmcSettles = 500;
+constexpr Ticks usbPoll = 300;
+constexpr Ticks usbLimit = 40'000;
+constexpr Ticks usbSettles = 2000;
+constexpr Ticks greetingPause = 100;
+constexpr Ticks readyLimit = 80'000;
+constexpr Ticks slice = 10;  // how soon a changed flag is seen
+constexpr Ticks searchPoll = 1000;
+constexpr Ticks searchLimit = 80'000;
+constexpr Ticks lastPause = 200;
+
+using Outcome = OpenWaits::Outcome;
+
+}  // namespace
+
+ModuleOpen::ModuleOpen(Session& session, const Parts& parts, OpenWaits& waits, void* owner,
+                       ReceiveCallback receive)
+    : m_session(session),
+      m_parts(parts),
+      m_waits(waits),
+      m_simUnlock(session, waits),
+      m_owner(owner),
+      m_receive(receive) {}
+
+bool ModuleOpen::Run() {
+    Begin();
+    const bool open = FindSim() && PowerOn() && OpenLink() && Greet() && AwaitModule() && m_simUnlock.Run() &&
+                      SearchNetwork() && Initialise() && ChooseAccessPoint();
+    if (open) Finish();
+    return open;
+}
+
+bool ModuleOpen::Fail(const char* logLine, WarnCode code) {
+    if (*logLine != '\0') m_session.platform.log.Trace("%s", logLine);
+    if (!m_session.state.g_bSilentOpen) m_session.screens.Warn(code);
+    return false;
+}
+
+void ModuleOpen::Begin() {
+    m_session.state.m_bModuleOpen = true;
+    m_session.state.m_bModulePowered = false;
+    m_session.state.m_nCpinState = SimState::Unknown;
+    m_session.screens.EnableWindow(false);
+    m_session.screens.SetStatusText(m_session.platform.language.LoadString("IDS_INITING"));
+    m_session.platform.driver.RequireDisableKeySuspend();
+    m_session.platform.driver.RequireDisableAutoSuspend();
+}
+
+bool ModuleOpen::FindSim() {
+    int inserted = 0;
+    if (m_session.platform.driver.Get3GSimStatus(inserted) && inserted != 0) return true;
+    return Fail("Network_interface_Connect()--------fail---!bSimIn--\r\n", WarnCode::NoSim);
+}
+
+bool ModuleOpen::UsbLinkPresent() {
+    int present = 0;
+    return m_session.platform.driver.GetUsbHostStatus(present) && present != 0;
+}
+
+bool ModuleOpen::PowerOn() {
+    KovexDrvApi& driver = m_session.platform.driver;
+    m_session.screens.ShowOpenStep(OpenStep::PowerOn, usbLimit);
+    const Ticks start = m_session.platform.runtime.GetTickCount();
+    driver.SetTmcPower(1);
+    if (!m_waits.Pause(tmcSettles)) return false;
+    driver.Set3GPower(1);
+    const Outcome outcome = m_waits.Until([this] { return UsbLinkPresent(); }, start, usbLimit, usbPoll);
+    if (outcome == Outcome::Cancelled) return false;
+    if (outcome == Outcome::TimedOut) {
+        m_session.screens.Warn(WarnCode::Open3gFail);
+        m_session.platform.log.Trace("Network_interface_Connect()--------fail---open power failed--\r\n");
+        return false;
+    }
+    m_session.state.m_bModulePowered = true;
+    m_session.at.SetLinkUp(true);
+    return m_waits.Pause(usbSettles);
+}
+
+bool ModuleOpen::OpenLink() {
+    m_session.screens.ShowOpenStep(OpenStep::OpenLink, 0);
+    if (Initial3GCom()) return true;
+    if (!m_session.state.g_bSilentOpen) m_session.platform.notices.ShowMessageBox("open port faild", "");
+    return Fail("Network_interface_Connect()--------fail---!bOpenPort--\r\n", WarnCode::NetOpenFailed);
+}
+
+bool ModuleOpen::Initial3GCom() {
+    m_session.platform.log.Trace("Initial 3G Com-------");
+    m_parts.link.SetReceiveCallback(m_receive);
+    if (!m_parts.link.OpenPort(m_owner, port, baudRate, 0, 8, 0)) return false;
+    m_session.at.Attach(m_parts.link, m_owner);
+    m_session.platform.log.Trace("Initial 3G Com-------SUS!------");
+    return true;
+}
+
+bool ModuleOpen::Greet() {
+    m_session.at.cmd_at_OriginalMsg();
+    if (!m_waits.Pause(greetingPause)) return false;
+    m_session.settings.WriteDword(Settings::networkModeKey, "NetworkMode", networkMode);
+    m_session.at.cmd_at_NetworkMode(networkMode);
+    m_session.at.cmd_at_ipr();
+    return m_waits.Pause(greetingPause);
+}
+
+bool ModuleOpen::AwaitModule() {
+    SessionState& state = m_session.state;
+    m_session.screens.ShowOpenStep(OpenStep::AwaitModule, readyLimit);
+    const Ticks start = m_session.platform.runtime.GetTickCount();
+    const Outcome outcome =
+        m_waits.Until([&state] { return state.m_bModuleReady || !state.g_bSimOk; }, start, readyLimit, slice);
+    if (outcome == Outcome::TimedOut) return Fail("", WarnCode::NetOpenFailed);
+    return outcome == Outcome::Done;
+}
+
+bool ModuleOpen::Registered() {
+    const FixedText<10> csq = m_session.state.m_szCsq.Get();
+    const int value = SignalValue(csq.View());
+    return value > 4 && value != 99 && m_session.state.m_bModuleReady;
+}
+
+bool ModuleOpen::SearchNetwork() {
+    m_session.platform.log.Trace("[BTNEV]search network!");
+    m_session.screens.SetStatusText(m_session.platform.language.LoadString("IDS_SEARCHING"));
+    m_session.screens.ShowOpenStep(OpenStep::SearchNetwork, searchLimit);
+    const auto found = [this] {
+        if (Registered()) return true;
+        m_session.at.cmd_check_signal();
+        return false;
+    };
+    const Ticks start = m_session.platform.runtime.GetTickCount();
+    const Outcome outcome = m_waits.Until(found, start, searchLimit, searchPoll);
+    if (outcome == Outcome::TimedOut) {
+        return Fail("Network_interface_Connect()--------fail---overtime--\r\n", WarnCode::NetOpenFailed);
+    }
+    return outcome == Outcome::Done;
+}
+
+bool ModuleOpen::RunSteps(std::span<const InitStep> steps) {
+    for (const InitStep& step : steps) {
+        step.send(m_session.at);
+        if (!m_waits.Pause(step.pause)) return false;
+    }
+    return true;
+}
+
+bool ModuleOpen::Initialise() {
+    m_session.screens.ShowOpenStep(OpenStep::Initialise, 0);
+    if (!RunSteps(InitStepsBeforeRecords())) return false;
+    m_parts.calls.ReloadRecords();
+    if (!RunSteps(InitStepsBeforePhonebook())) return false;
+    m_parts.phonebook.Read();
+    m_parts.sim.QueryIdentity(IdQuery::Imsi);
+    m_parts.sim.QueryIdentity(IdQuery::Imei);
+    return !m_waits.Cancelled();
+}
+
+bool ModuleOpen::ChooseAccessPoint() {
+    if (m_parts.data.GetApn()) return true;
+    m_session.screens.Warn(WarnCode::NoApn);
+    return false;
+}
+
+void ModuleOpen::Finish() {
+    if (m_session.state.m_bAutoConnect) m_parts.data.OpenNet();
+    m_session.screens.SetStatusText("");
+    m_parts.signal.Start();
+    m_session.state.MainScreenMode = ScreenMode::Idle;
+    m_session.screens.Repaint();
+    m_session.settings.WriteOpenFlag(1);
+    m_session.platform.driver.ReleaseDisableKeySuspend();
+    m_session.platform.driver.ReleaseDisableAutoSuspend();
+    m_session.screens.EnableWindow(true);
+    m_session.at.cmd_set_cscs_gsm();
+    m_session.platform.runtime.Sleep(lastPause);
+}
+
+}  // namespace varkel

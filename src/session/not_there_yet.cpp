@@ -1,0 +1,79 @@
+#include "session/not_there_yet.h"
+
+namespace varkel {
+
+namespace {
+
+void SayMissing(Log& log, const char* what) {
+    log.Trace("[%s]--not there yet", what);
+}
+
+}  // namespace
+
+bool NoDataConnection::GetApn() {
+    SayMissing(m_log, "GetApn");
+    return true;
+}
+
+void NoDataConnection::OpenNet() {
+    SayMissing(m_log, "OpenNet");
+}
+void NoDataConnection::RasHangUp() {
+    SayMissing(m_log, "RasHangUp");
+}
+void NoDataConnection::OnPoorSignal() {
+    SayMissing(m_log, "OnPoorSignal");
+}
+
+void NoSimPhonebook::Read() {
+    SayMissing(m_log, "ReadSimPhonebook");
+}
+void NoSimPhonebook::OnPhoneBookNum(std::string_view /*text*/) {
+    SayMissing(m_log, "OnPhoneBookNum");
+}
+void NoSimPhonebook::OnPhoneBookTest(std::string_view /*text*/) {
+    SayMissing(m_log, "OnPhoneBookTest");
+}
+void NoSimPhonebook::OnPhoneBookContent(std::string_view /*text*/) {
+    SayMissing(m_log, "OnPhoneBookContent");
+}
+
+void NoCallControl::ReloadRecords() {
+    SayMissing(m_log, "ReloadRecords");
+}
+void NoCallControl::OnRing() {
+    SayMissing(m_log, "OnRing");
+}
+void NoCallControl::OnRingNo(std::string_view /*text*/) {
+    SayMissing(m_log, "OnRingNo");
+}
+void NoCallControl::OnCallEstablished() {
+    SayMissing(m_log, "OnCallEstablished");
+}
+void NoCallControl::OnCallHooked() {
+    SayMissing(m_log, "OnCallHooked");
+}
+void NoCallControl::OnUssd(std::string_view /*text*/) {
+    SayMissing(m_log, "OnUssd");
+}
+
+void NoMessageHandling::OnMsComeIn(std::string_view /*text*/) {
+    SayMissing(m_log, "OnMsComeIn");
+}
+void NoMessageHandling::OnMsContent(std::string_view /*text*/) {
+    SayMissing(m_log, "OnMsContent");
+}
+void NoMessageHandling::OnMsCenterNo(std::string_view /*text*/) {
+    SayMissing(m_log, "OnMsCenterNo");
+}
+void NoMessageHandling::OnSendMsSuc() {
+    SayMissing(m_log, "OnSendMsSuc");
+}
+void NoMessageHandling::OnSendState(SendState /*state*/) {
+    SayMissing(m_log, "OnSendState");
+}
+void NoMessageHandling::OnSendTip() {
+    SayMissing(m_log, "OnSendTip");
+}
+
+}  // namespace varkel

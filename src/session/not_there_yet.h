@@ -1,0 +1,66 @@
+// Stand-ins for the parts that are still to come. Each says in the log what it was asked for and did not do.
+#pragma once
+
+#include "platform/log.h"
+#include "session/call_control.h"
+#include "session/data_connection.h"
+#include "session/message_handling.h"
+#include "session/session_state.h"
+#include "session/sim_phonebook.h"
+
+namespace varkel {
+
+class NoDataConnection final : public DataConnection {
+  public:
+    explicit NoDataConnection(Log& log) : m_log(log) {}
+    // True: the module is of use without a data link.
+    bool GetApn() override;
+    void OpenNet() override;
+    void RasHangUp() override;
+    void OnPoorSignal() override;
+
+  private:
+    Log& m_log;
+};
+
+class NoSimPhonebook final : public SimPhonebook {
+  public:
+    explicit NoSimPhonebook(Log& log) : m_log(log) {}
+    void Read() override;
+    void OnPhoneBookNum(std::string_view text) override;
+    void OnPhoneBookTest(std::string_view text) override;
+    void OnPhoneBookContent(std::string_view text) override;
+
+  private:
+    Log& m_log;
+};
+
+class NoCallControl final : public CallControl {
+  public:
+    explicit NoCallControl(Log& log) : m_log(log) {}
+    void ReloadRecords() override;
+    void OnRing() override;
+    void OnRingNo(std::string_view text) override;
+    void OnCallEstablished() override;
+    void OnCallHooked() override;
+    void OnUssd(std::string_view text) override;
+
+  private:
+    Log& m_log;
+};
+
+class NoMessageHandling final : public MessageHandling {
+  public:
+    explicit NoMessageHandling(Log& log) : m_log(log) {}
+    void OnMsComeIn(std::string_view text) override;
+    void OnMsContent(std::string_view text) override;
+    void OnMsCenterNo(std::string_view text) override;
+    void OnSendMsSuc() override;
+    void OnSendState(SendState state) override;
+    void OnSendTip() override;
+
+  private:
+    Log& m_log;
+};
+
+}  // namespace varkel

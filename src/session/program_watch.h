@@ -1,0 +1,31 @@
+// Waits for a program that was started from the main screen to end, and then brings the window back.
+#pragma once
+
+#include <atomic>
+#include <memory>
+
+#include "platform/guarded.h"
+#include "session/session.h"
+
+namespace varkel {
+
+class ProgramWatch {
+  public:
+    explicit ProgramWatch(Session& session);
+    ~ProgramWatch();
+
+    // Creates the detect thread, suspended and of the lowest priority; false when the system refuses.
+    bool Start();
+    // The program whose end is to be awaited. Dialog thread.
+    void Watch(std::shared_ptr<Process> program);
+
+  private:
+    void DetectThread();
+
+    Session& m_session;
+    Guarded<std::shared_ptr<Process>> m_program;
+    std::atomic<bool> m_ending = false;
+    std::shared_ptr<Thread> m_thread;
+};
+
+}  // namespace varkel

@@ -1,0 +1,85 @@
+// The controller and main dialog: it owns the parts of the session and wires the modem's events to them.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "modem/serial_link.h"
+#include "modem/shared_block.h"
+#include "session/module_control.h"
+#include "session/not_there_yet.h"
+#include "session/one_shot_watch.h"
+#include "session/program_watch.h"
+#include "session/session.h"
+#include "session/signal_watch.h"
+#include "session/sim_card.h"
+#include "session/worker.h"
+
+namespace varkel {
+
+// Created, started and destroyed on the dialog thread, outside its message loop.
+class CVarkelDlg {
+  public:
+    CVarkelDlg(Platform& platform, Screens& screens);
+    ~CVarkelDlg();
+    CVarkelDlg(const CVarkelDlg&) = delete;
+    CVarkelDlg& operator=(const CVarkelDlg&) = delete;
+
+    // Start-up. The command line "1" means a start in the background, which opens the module.
+    void OnInitDialog(std::string_view commandLine, LogLevel logLevel);
+
+    // What the user and other programs ask for. Any thread; each returns at once.
+    void OpenModule() { m_module.RequestOpen(); }
+    void CloseModule() { m_module.RequestClose(); }
+    void CancelOpen() { m_module.CancelOpen(); }
+    // Shuts the module down in order and ends the message loop.
+    void Quit();
+
+    // Leaves the screen: hides the window while the module is on, else ends the program. Dialog thread.
+    void HideOrQuit();
+
+    const SessionState& State() const { return m_state; }
+    const SkinColors& Colors() const { return m_colors; }
+
+  private:
+    // The read thread's callback: a chunk of the modem.
+    static void OnSeriesRead(void* owner, std::string_view chunk);
+    static ModemHandlers Handlers();
+    static CVarkelDlg& Self(void* owner) { return *static_cast<CVarkelDlg*>(owner); }
+
+    void OnAtResult(AtResult result);
+    void CheckPower();
+    void CreateNamedEvents();
+    void ScheduleStart();
+
+    Platform& m_platform;
+    Screens& m_screens;
+    SessionState m_state;
+    Settings m_settings;
+    CCESeries m_link;
+    CATChannel m_at;
+    Session m_session;
+    CGSMData m_sharedData;
+    WindowHandle m_window = WindowHandle::None;
+    bool m_background = false;
+    SkinColors m_colors;
+
+    std::shared_ptr<Event> m_recvSmEvent;
+    std::shared_ptr<Event> m_sendSmEvent;
+    std::shared_ptr<Event> m_sendSmSus;
+    std::shared_ptr<Event> m_recPhoneBookSus;
+    std::shared_ptr<Event> m_simSus;
+
+    NoDataConnection m_data;
+    NoSimPhonebook m_phonebook;
+    NoCallControl m_calls;
+    NoMessageHandling m_messages;
+    Worker m_linkWorker;
+    SimCard m_sim;
+    SignalWatch m_signal;
+    OneShotWatch m_oneShots;
+    ProgramWatch m_programs;
+    ModuleControl m_module;
+};
+
+}  // namespace varkel

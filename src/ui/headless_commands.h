@@ -1,0 +1,30 @@
+// What can be typed when no question is open.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/terminal.h"
+#include "session/varkel_dlg.h"
+
+namespace varkel {
+
+// Dialog thread.
+class HeadlessCommands {
+  public:
+    HeadlessCommands(CVarkelDlg& dialog, Terminal& terminal) : m_dialog(dialog), m_terminal(terminal) {}
+
+    void Run(std::string_view line);
+
+  private:
+    struct Command;
+    static const Command commands[];
+
+    void Help();
+    void Status();
+
+    CVarkelDlg& m_dialog;
+    Terminal& m_terminal;
+};
+
+}  // namespace varkel

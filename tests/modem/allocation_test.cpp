@@ -1,0 +1,65 @@
+// The receive path allocates nothing but the chunk itself. Not under a sanitizer, which has an allocator of
+// its own.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <new>
+
+#include "modem/at_channel.h"
+#include "tests/support/memory_files.h"
+#include "tests/support/memory_windows.h"
+#include "tests/support/recorded_notices.h"
+#include "tests/support/table_driver.h"
+#include "tests/support/virtual_runtime.h"
+#include "tests/support/virtual_serial.h"
+
+namespace {
+thread_local std::size_t allocations = 0;
+}
+
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* const memory = std::malloc(size)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace varkel::test {
+namespace {
+
+TEST(Allocation, IsNotNeededToParseAChunk) {
+    VirtualRuntime runtime(1);
+    MessageLoop loop(runtime);
+    MemoryFiles files;
+    Log log(runtime, files);
+    TableDriver driver;
+    MemoryWindows windows(loop);
+    RecordedNotices notices;
+    VirtualSerial serial(runtime);
+    CCESeries link(runtime, serial, notices, log);
+    CATChannel channel(runtime, driver, windows, log);
+    channel.Attach(link, &channel);
+    const std::string chunks[] = {"AT+CSQ\r\r\n+CSQ: 18,99\r\n\r\nOK\r\n",
+                                  "AT+CIMI\r\r\n",
+                                  "460001234567890\r\n\r\nOK\r\n",
+                                  "\r\nRING\r\n\r\n+CLIP: \"123\",129\r\n",
+                                  "+CUSD: 0,\"Hello\",15\r\n",
+                                  "ERROR"};
+    const std::size_t before = allocations;
+    for (int round = 0; round < 100; ++round) {
+        for (const std::string& chunk : chunks)
+            channel.ProcessRcv(chunk);
+    }
+    EXPECT_EQ(allocations - before, 0u);
+}
+
+}  // namespace
+}  // namespace varkel::test
+
+#endif

@@ -1,0 +1,129 @@
+// The rules of the receive parser, written down as plainly as possible: a search from the start for every
+// keyword.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "modem/keyword_search.h"
+
+namespace varkel::test {
+
+// Writes events down as ChannelBench does, for a channel with no one-shot set, no client and no tip window.
+class ReferenceParser {
+  public:
+    void ProcessRcv(std::string_view chunk) {
+        if (chunk.empty()) return;
+        bool ringAllowed = true;
+        for (int i = 0;; ++i) {
+            if (m_pending >= 25 && m_pending <= 27) {
+                m_held.append(chunk);
+                Raise(m_pending, m_held, ringAllowed);
+                m_pending = 0;
+                return;
+            }
+            while (i < 38 && chunk.find(keywordTable[static_cast<std::size_t>(i)]) == chunk.npos)
+                ++i;
+            if (i == 38) return;
+            const std::string_view text = chunk.substr(chunk.find(keywordTable[static_cast<std::size_t>(i)]));
+            if (i == 37) {
+                m_pending = 0;
+                Raise(37, chunk, ringAllowed);
+            } else if (i >= 25 && i <= 27) {
+                if (!Complete(i, text)) {
+                    m_held = text;
+                    m_pending = i;
+                    return;
+                }
+                Raise(i, text, ringAllowed);
+            } else {
+                Raise(i, text, ringAllowed);
+                m_pending = i;
+            }
+        }
+    }
+
+    std::vector<std::string> events;
+
+  private:
+    static long Position(std::string_view text, std::string_view part) {
+        const std::size_t at = text.find(part);
+        return at == text.npos ? -1 : static_cast<long>(at);
+    }
+
+    static bool Complete(int index, std::string_view text) {
+        if (index == 27) return Position(text, ",\"") * Position(text, "\",") > 0;
+        return Position(text, "\r\nOK") > 0;
+    }
+
+    void Raise(int index, std::string_view text, bool& ringAllowed) {
+        static constexpr const char* names[38] = {"OnSignalStatus",
+                                                  "",
+                                                  "",
+                                                  "",
+                                                  "",
+                                                  "",
+                                                  "",
+                                                  "OnMsComeIn",
+                                                  "OnMsContent",
+                                                  "OnMsCenterNo",
+                                                  "",
+                                                  "OnCpms",
+                                                  "OnRingNo",
+                                                  "OnCreg",
+                                                  "",
+                                                  "OnCallReady",
+                                                  "",
+                                                  "",
+                                                  "",
+                                                  "",
+                                                  "",
+                                                  "OnModelInitComplete",
+                                                  "OnPhoneBookNum",
+                                                  "OnPhoneBookTest",
+                                                  "OnPhoneBookContent",
+                                                  "OnCimi",
+                                                  "OnGsn",
+                                                  "OnUssd",
+                                                  "OnCpin",
+                                                  "",
+                                                  "",
+                                                  "",
+                                                  "OnDisc",
+                                                  "OnUrcInd",
+                                                  "",
+                                                  "OnSimInserted",
+                                                  "",
+                                                  ""};
+        const auto note = [this](std::string event) { events.push_back(std::move(event)); };
+        switch (index) {
+            case 1:
+            case 3:
+            case 6:
+            case 14:
+            case 17:
+            case 19: note("OnCallHooked()"); break;
+            case 2: ringAllowed = false; break;
+            case 5: note("OnAtResult(11)"); break;
+            case 10:
+                note("OnSendState(1)");
+                note("OnSendMsSuc()");
+                break;
+            case 18: note("OnNoSim()"); break;
+            case 20: note("OnAtResult(3)"); break;
+            case 34:
+                if (ringAllowed) note("OnRing(" + std::string(text) + ")");
+                break;
+            case 36:
+            case 37: note("OnAtResult(1)"); break;
+            default:
+                if (names[index][0] != '\0') note(std::string(names[index]) + "(" + std::string(text) + ")");
+        }
+    }
+
+    int m_pending = 0;
+    std::string m_held;
+};
+
+}  // namespace varkel::test

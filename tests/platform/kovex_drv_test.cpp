@@ -1,0 +1,249 @@
+#include <atomic>
+#include <future>
+#include <map>
+
+#include "platform/key_file.h"
+#include "platform/linux/board_kovex_drv.h"
+#include "platform/linux/bus_kovex_drv.h"
+#include "platform/linux/kovex_drv_export.h"
+#include "tests/platform/dialog_fixture.h"
+#include "tests/platform/private_bus.h"
+
+namespace varkel {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+class BusKovexDrvTest : public test::DialogFixture {
+  protected:
+    KovexDrvExport::Executor OnLoop() {
+        return [this](std::function<void()> work) { return loop.Post(std::move(work)); };
+    }
+
+    // Calls the driver on another thread while this one serves the loop.
+    bool Calls(const std::function<bool()>& call) {
+        auto result = std::async(std::launch::async, call);
+        EXPECT_TRUE(ServeUntil(
+            [&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+        return result.get();
+    }
+
+    test::PrivateBus daemon;
+    Bus serverBus{daemon.Options(), nullptr};
+    Bus clientBus{daemon.Options(), nullptr};
+    BusKovexDrv driver{clientBus};
+};
+
+TEST_F(BusKovexDrvTest, CarriesEveryFunctionOverTheBus) {
+    std::map<DrvFunction, int> seen;
+    const KovexDrvExport exported(
+        serverBus,
+        [&](DrvFunction function, int& value) {
+            seen[function] = value;
+            if (drvTable[static_cast<std::size_t>(function)].kind == DrvKind::Get)
+                value = -static_cast<int>(function);
+            return function != DrvFunction::GetCurrentPowerValue && function != DrvFunction::RestartMachine;
+        },
+        OnLoop());
+    EXPECT_TRUE(exported.Exported());
+    int value = 0;
+    EXPECT_TRUE(Calls([&] { return driver.Get3GSimStatus(value); }));
+    EXPECT_EQ(value, -static_cast<int>(DrvFunction::Get3GSimStatus));
+    EXPECT_TRUE(Calls([&] { return driver.GetMainHandle(value); }));
+    EXPECT_EQ(value, -static_cast<int>(DrvFunction::GetMainHandle));
+    EXPECT_TRUE(Calls([&] { return driver.SetTmcPower(1); }));
+    EXPECT_EQ(seen[DrvFunction::SetTmcPower], 1);
+    EXPECT_TRUE(Calls([&] { return driver.Set3GPower(-5); }));
+    EXPECT_EQ(seen[DrvFunction::Set3GPower], -5);
+    EXPECT_TRUE(Calls([&] { return driver.RequireDisableKeySuspend(); }));
+    EXPECT_TRUE(seen.contains(DrvFunction::RequireDisableKeySuspend));
+    value = 123;
+    EXPECT_FALSE(Calls([&] { return driver.GetCurrentPowerValue(value); }));
+    EXPECT_EQ(value, 123) << "a getter that failed leaves its value alone";
+    EXPECT_FALSE(Calls([&] { return driver.RestartMachine(); }));
+    for (const DrvEntry& entry : drvTable)
+        EXPECT_EQ(static_cast<std::size_t>(entry.function),
+                  static_cast<std::size_t>(&entry - drvTable.data()));
+}
+
+TEST_F(BusKovexDrvTest, FailsInTimeWhenNobodyAnswers) {
+    int value = 9;
+    auto start = Clock::now();
+    EXPECT_FALSE(driver.Get3GPower(value));
+    EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(500)) << "no such service: at once";
+    int calls = 0;
+    {
+        const KovexDrvExport exported(
+            serverBus, [&](DrvFunction, int&) { return ++calls > 0; }, OnLoop());
+        start = Clock::now();
+        EXPECT_FALSE(driver.Get3GPower(value)) << "nobody serves the loop";
+        EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(1500));
+        EXPECT_EQ(value, 9);
+    }
+    ServePosted();
+    EXPECT_EQ(calls, 0) << "the late work meets a service that has gone";
+    const KovexDrvExport refusing(
+        serverBus, [](DrvFunction, int&) { return true; },
+        [](const std::function<void()>&) { return false; });
+    start = Clock::now();
+    EXPECT_FALSE(driver.Set3GPower(1));
+    EXPECT_LT(Clock::now() - start, std::chrono::milliseconds(500));
+}
+
+TEST_F(BusKovexDrvTest, TheFirstExportAnswersUntilItEnds) {
+    const auto constant = [](int number) {
+        return [number](DrvFunction, int& value) {
+            value = number;
+            return true;
+        };
+    };
+    auto first = std::make_unique<KovexDrvExport>(serverBus, constant(1), OnLoop());
+    Bus thirdBus(daemon.Options(), nullptr);
+    const KovexDrvExport second(thirdBus, constant(2), OnLoop());
+    EXPECT_TRUE(first->Exported());
+    EXPECT_FALSE(second.Exported());
+    int value = 0;
+    EXPECT_TRUE(Calls([&] { return driver.Get3GPower(value); }));
+    EXPECT_EQ(value, 1);
+    first.reset();
+    EXPECT_TRUE(Calls([&] { return driver.Get3GPower(value); }));
+    EXPECT_EQ(value, 2);
+}
+
+class BoardKovexDrvTest : public testing::Test {
+  protected:
+    BoardKovexDrv& Driver(const std::string& entries) {
+        const auto answers = BoardAnswers::Parse(KeyFile::Parse("[driver]\n" + entries));
+        EXPECT_TRUE(answers.errors.empty()) << answers.errors[0];
+        driver = std::make_unique<BoardKovexDrv>(
+            answers, scratch / "tty", [this](std::string_view problem) { problems.emplace_back(problem); });
+        return *driver;
+    }
+
+    test::ScratchDirectory scratch;
+    std::vector<std::string> problems;
+    std::unique_ptr<BoardKovexDrv> driver;
+};
+
+TEST_F(BoardKovexDrvTest, HasADefaultForEveryFunction) {
+    BoardKovexDrv& board = Driver("");
+    int value = 99;
+    EXPECT_TRUE(board.Get3GPower(value));
+    EXPECT_EQ(value, 0);
+    EXPECT_TRUE(board.Get3GSimStatus(value));
+    EXPECT_EQ(value, 1);
+    EXPECT_TRUE(board.GetSDCardStatus(value));
+    EXPECT_EQ(value, 0);
+    EXPECT_FALSE(board.GetCurrentPowerValue(value));
+    EXPECT_FALSE(board.GetMainHandle(value));
+    EXPECT_TRUE(board.GetUsbHostStatus(value));
+    EXPECT_EQ(value, 0) << "no tty";
+    test::WriteFile(scratch / "tty", "");
+    EXPECT_TRUE(board.GetUsbHostStatus(value));
+    EXPECT_EQ(value, 1);
+    EXPECT_TRUE(board.GetGprsHpSpkStatus(value));
+    EXPECT_EQ(value, 0);
+    EXPECT_TRUE(board.SetGprsHpSpkStatus(1));
+    EXPECT_TRUE(board.GetGprsHpSpkStatus(value));
+    EXPECT_EQ(value, 1);
+    EXPECT_TRUE(board.SetTmcPower(1) && board.Set3GPower(1) && board.RequireDisableAutoSuspend());
+    EXPECT_TRUE(problems.empty());
+    EXPECT_TRUE(board.RestartMachine());
+    EXPECT_EQ(problems.size(), 1u);
+}
+
+TEST_F(BoardKovexDrvTest, ReadsAndWritesFiles) {
+    BoardKovexDrv& board =
+        Driver("Get3GPower = file:" + (scratch / "power") + "\nset3gpower = FILE: " + (scratch / "power") +
+               "\nGetCurrentPowerValue = file:" + (scratch / "supply") +
+               "\nRestartMachine = file:" + (scratch / "restart") + "\n");
+    int value = 99;
+    EXPECT_FALSE(board.Get3GPower(value));
+    EXPECT_FALSE(board.Get3GPower(value));
+    EXPECT_EQ(value, 99);
+    EXPECT_EQ(problems.size(), 1u) << "said once";
+    EXPECT_FALSE(board.Set3GPower(1)) << "a file that does not exist is not made";
+    test::WriteFile(scratch / "power", "12345");
+    EXPECT_TRUE(board.Set3GPower(1));
+    EXPECT_EQ(test::FileContent(scratch / "power"), "1\n");
+    EXPECT_TRUE(board.Get3GPower(value));
+    EXPECT_EQ(value, 1);
+    struct Content {
+        const char* text;
+        int number;
+        bool good;
+    };
+    for (const Content& content : {Content{"voltage: -14 mV 3", -14, true}, Content{"no number", 0, false},
+                                   Content{"99999999999", 0, false}, Content{"", 0, false}}) {
+        test::WriteFile(scratch / "supply", content.text);
+        EXPECT_EQ(board.GetCurrentPowerValue(value), content.good) << content.text;
+        if (content.good) {
+            EXPECT_EQ(value, content.number);
+        }
+    }
+    test::WriteFile(scratch / "restart", "");
+    EXPECT_TRUE(board.RestartMachine());
+    EXPECT_EQ(test::FileContent(scratch / "restart"), "1\n");
+    std::filesystem::remove(scratch / "supply");
+    ASSERT_EQ(mkfifo((scratch / "supply").c_str(), 0600), 0);
+    EXPECT_FALSE(board.GetCurrentPowerValue(value)) << "a pipe holds nobody up";
+}
+
+TEST_F(BoardKovexDrvTest, RunsCommandsWithoutAShellAndInTime) {
+    const auto descriptors = test::OpenDescriptors();
+    BoardKovexDrv& board = Driver(
+        "GetCurrentPowerValue = command:echo \"supply is\" 14\n"
+        "SetTmcPower = command:test %d -eq 1\n"
+        "Get3GSimStatus = command:sh -c \"sleep 60 & sleep 60\"\n"
+        "GetUsbHostStatus = command:echo $HOME;3\n"
+        "GetSDCardStatus = command:yes 7\n"
+        "Get3GPower = command:/no/such/program\n"
+        "RestartMachine = command:sh -c \"exit 3\"\n"
+        "SetAudioTo3G = command:sh -c \"head -c 1000000 /dev/zero\"\n");
+    int value = 0;
+    EXPECT_TRUE(board.GetCurrentPowerValue(value));
+    EXPECT_EQ(value, 14);
+    EXPECT_TRUE(board.SetTmcPower(1));
+    EXPECT_FALSE(board.SetTmcPower(0)) << "the exit code counts";
+    EXPECT_TRUE(board.GetUsbHostStatus(value));
+    EXPECT_EQ(value, 3) << "no shell looks at it";
+    EXPECT_FALSE(board.Get3GPower(value));
+    EXPECT_FALSE(board.RestartMachine());
+    EXPECT_TRUE(board.SetAudioTo3G(1)) << "what it prints does not hold it up";
+    for (const auto& slow : {std::function([&] { return board.Get3GSimStatus(value); }),
+                             std::function([&] { return board.GetSDCardStatus(value); })}) {
+        const auto start = Clock::now();
+        EXPECT_FALSE(slow());
+        const auto passed = Clock::now() - start;
+        EXPECT_GT(passed, std::chrono::milliseconds(900));
+        EXPECT_LT(passed, std::chrono::milliseconds(2500));
+    }
+    EXPECT_EQ(test::OpenDescriptors(), descriptors);
+}
+
+TEST_F(BoardKovexDrvTest, ListsWhatItCannotFollow) {
+    const auto answers =
+        BoardAnswers::Parse(KeyFile::Parse("[driver]\n"
+                                           "Get3GPower = constant:1\n"
+                                           "Get4GPower = constant:1\n"
+                                           "Get3GSimStatus = constant:one\n"
+                                           "GetUsbHostStatus = constant:1x\n"
+                                           "GetSDCardStatus = file:relative/path\n"
+                                           "GetMainHandle = command:\n"
+                                           "RestartMachine = command:a \"b\n"
+                                           "Set3GPower = 1\n"
+                                           "[other]\n"
+                                           "SetTmcPower = nonsense\n"));
+    ASSERT_EQ(answers.errors.size(), 7u);
+    for (std::size_t i = 0; i < answers.errors.size(); ++i)
+        EXPECT_TRUE(answers.errors[i].starts_with("line " + std::to_string(i + 3) + ":"))
+            << answers.errors[i];
+    BoardKovexDrv board(answers, "", nullptr);
+    int value = 0;
+    EXPECT_TRUE(board.Get3GPower(value));
+    EXPECT_EQ(value, 1);
+    EXPECT_TRUE(board.Get3GSimStatus(value)) << "the default";
+}
+
+}  // namespace
+}  // namespace varkel

@@ -1,0 +1,322 @@
+#include "platform/linux/sqlite_registry.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "platform/linux/initial_registry.h"
+#include "tests/platform/durable_files.h"
+#include "tests/platform/scratch.h"
+
+namespace varkel {
+namespace {
+
+RegistryValue Bytes(std::string_view text, RegistryType type = RegistryType::Sz) {
+    const auto* const first = reinterpret_cast<const std::byte*>(text.data());
+    return {type, {first, first + text.size()}};
+}
+
+class SqliteRegistryTest : public testing::Test {
+  protected:
+    std::unique_ptr<SqliteRegistry> Open() { return Open(path); }
+    std::unique_ptr<SqliteRegistry> Open(const std::string& file) {
+        return SqliteRegistry::Open(file,
+                                    [this](std::string_view problem) { problems.emplace_back(problem); });
+    }
+
+    static bool Set(Registry& registry, std::string_view key, std::string_view name,
+                    const RegistryValue& value) {
+        bool created = false;
+        const auto open = registry.RegCreateKeyEx(key, created);
+        return open && open->RegSetValueEx(name, value);
+    }
+
+    static std::optional<RegistryValue> Get(Registry& registry, std::string_view key, std::string_view name) {
+        bool created = false;
+        const auto open = registry.RegCreateKeyEx(key, created);
+        return open ? open->RegQueryValueEx(name) : std::nullopt;
+    }
+
+    test::ScratchDirectory scratch;
+    std::string path = scratch / "unit/registry.db";
+    std::vector<std::string> problems;
+};
+
+TEST_F(SqliteRegistryTest, KeepsKeysAndValuesOfAnyBytes) {
+    auto registry = Open();
+    ASSERT_TRUE(registry);
+    bool created = false;
+    {
+        const auto key = registry->RegCreateKeyEx("Software\\Varkel\\", created);
+        ASSERT_TRUE(key);
+        EXPECT_TRUE(created);
+        EXPECT_FALSE(key->RegQueryValueEx("CallStatus"));
+        EXPECT_TRUE(key->RegSetValueEx("CallStatus", Bytes("odd")));
+        EXPECT_TRUE(key->RegSetValueEx("empty", Bytes("", RegistryType::Binary)));
+        EXPECT_TRUE(key->RegSetValueEx("", Bytes("the key's own")));
+        EXPECT_TRUE(key->RegSetValueEx("NUL", Bytes({"a\0b", 3}, RegistryType::Binary)));
+    }
+    registry = Open();
+    ASSERT_TRUE(registry);
+    const auto key = registry->RegCreateKeyEx("SOFTWARE\\varkel", created);
+    EXPECT_FALSE(created);
+    EXPECT_EQ(key->RegQueryValueEx("CALLSTATUS"), Bytes("odd")) << "3 bytes stay 3";
+    EXPECT_EQ(key->RegQueryValueEx("empty"), Bytes("", RegistryType::Binary));
+    EXPECT_EQ(key->RegQueryValueEx(""), Bytes("the key's own"));
+    EXPECT_EQ(key->RegQueryValueEx("nul"), Bytes({"a\0b", 3}, RegistryType::Binary));
+    EXPECT_TRUE(key->RegSetValueEx("callstatus", Bytes("\1\0\0\0", RegistryType::Dword)));
+    EXPECT_EQ(key->RegQueryValueEx("CallStatus")->type, RegistryType::Dword) << "a new type replaces the old";
+    EXPECT_TRUE(problems.empty());
+}
+
+TEST_F(SqliteRegistryTest, AKeyWithoutValuesExistsAndHasNone) {
+    auto registry = Open();
+    bool created = false;
+    const auto key = registry->RegCreateKeyEx("GPRS\\OPENFLAG", created);
+    EXPECT_TRUE(created);
+    EXPECT_FALSE(key->RegQueryValueEx("")) << "what marks the key is no value";
+    EXPECT_TRUE(registry->RegCreateKeyEx("gprs\\openflag\\\\", created));
+    EXPECT_FALSE(created);
+    EXPECT_TRUE(registry->List().empty());
+}
+
+TEST_F(SqliteRegistryTest, ListsValuesInTheSpellingFirstWritten) {
+    auto registry = Open();
+    EXPECT_TRUE(Set(*registry, "GPRS\\NetworkMode", "NetworkMode", Bytes("1")));
+    EXPECT_TRUE(Set(*registry, "gprs\\networkmode", "NETWORKMODE", Bytes("2")));
+    EXPECT_TRUE(Set(*registry, "gprs\\networkmode", "Account", Bytes("3")));
+    EXPECT_TRUE(Set(*registry, "GPRS", "Top", Bytes("4")));
+    EXPECT_TRUE(Set(*registry, "GPRSHDVol", "x", Bytes("5")));
+    const auto names = [&](std::string_view key) {
+        std::string text;
+        for (const RegistryEntry& entry : registry->List(key)) {
+            text += entry.key + ":" + entry.name + "=" + static_cast<char>(entry.value.bytes[0]) + " ";
+        }
+        return text;
+    };
+    EXPECT_EQ(names("gprs\\"), "GPRS:Top=4 GPRS\\NetworkMode:Account=3 GPRS\\NetworkMode:NetworkMode=2 ");
+    EXPECT_EQ(registry->List().size(), 4u);
+    EXPECT_TRUE(registry->List("GPR").empty());
+}
+
+TEST_F(SqliteRegistryTest, RefusesWhatIsBeyondItsLimits) {
+    auto registry = Open();
+    bool created = false;
+    EXPECT_FALSE(registry->RegCreateKeyEx("", created));
+    EXPECT_FALSE(registry->RegCreateKeyEx("\\\\", created));
+    EXPECT_FALSE(registry->RegCreateKeyEx(std::string(256, 'k'), created));
+    EXPECT_FALSE(registry->RegCreateKeyEx(std::string_view("a\0b", 3), created));
+    const auto key = registry->RegCreateKeyEx(std::string(255, 'k'), created);
+    ASSERT_TRUE(key);
+    EXPECT_FALSE(key->RegSetValueEx(std::string(256, 'n'), Bytes("x")));
+    EXPECT_FALSE(key->RegSetValueEx("type", Bytes("x", RegistryType{7})));
+    const std::string large(Registry::largestValue, 'v');
+    EXPECT_TRUE(key->RegSetValueEx("large", Bytes(large)));
+    EXPECT_FALSE(key->RegSetValueEx("large", Bytes(large + "v")));
+    EXPECT_EQ(key->RegQueryValueEx("large")->bytes.size(), large.size());
+    // Texts that would end a statement are texts.
+    EXPECT_TRUE(Set(*registry, "'); DROP TABLE registry; --", "\" %s ?1 \xFF", Bytes("x")));
+    EXPECT_EQ(Get(*registry, "'); drop table registry; --", "\" %S ?1 \xFF"), Bytes("x"));
+}
+
+TEST_F(SqliteRegistryTest, BelongsToTheUserAlone) {
+    const mode_t before = umask(0);
+    auto registry = Open();
+    EXPECT_TRUE(Set(*registry, "k", "n", Bytes("v")));
+    EXPECT_EQ(test::FileMode(scratch / "unit"), 0700u);
+    for (const char* suffix : {"", "-wal", "-shm", ".lock"})
+        EXPECT_EQ(test::FileMode(path + suffix), 0600u) << suffix;
+    registry.reset();
+    chmod(path.c_str(), 0644);
+    registry = Open();
+    EXPECT_EQ(test::FileMode(path), 0600u);
+    umask(before);
+}
+
+// What stands in the file after a power cut must be what was flushed, and the file must be whole.
+TEST_F(SqliteRegistryTest, AFlushPutsEverythingOnTheDisk) {
+    const std::string disk = scratch / "disk";
+    std::filesystem::create_directory(disk);
+    const test::DurableFiles durable(scratch / "unit", disk);
+    auto registry = Open();
+    int lost = 0;
+    for (int i = 0; i < 25; ++i) {
+        // Enough for several checkpoints in the end.
+        for (int j = 0; j < 120; ++j)
+            ASSERT_TRUE(Set(*registry, "k", std::to_string(j), Bytes(std::string(3000, 'x'))));
+        const std::string text = std::to_string(i);
+        ASSERT_TRUE(Set(*registry, "k", "n", Bytes(text)));
+        std::filesystem::remove_all(scratch / "after");
+        std::filesystem::copy(disk, scratch / "after");
+        const auto early = Open(scratch / "after/registry.db");
+        ASSERT_TRUE(early);
+        lost += Get(*early, "k", "n") == Bytes(text) ? 0 : 1;
+
+        ASSERT_TRUE(registry->RegFlushKey());
+        std::filesystem::remove_all(scratch / "after");
+        std::filesystem::copy(disk, scratch / "after");
+        const auto late = Open(scratch / "after/registry.db");
+        ASSERT_TRUE(late);
+        ASSERT_EQ(Get(*late, "k", "n"), Bytes(text)) << i;
+    }
+    EXPECT_GT(lost, 20) << "the flush did it, not the write";
+    EXPECT_TRUE(problems.empty()) << problems[0];
+}
+
+TEST_F(SqliteRegistryTest, SetsADamagedFileAsideAndBeginsAnew) {
+    struct Damage {
+        const char* name;
+        void (*spoil)(const std::string& path);
+    };
+    const Damage damages[] = {
+        {"text", [](const std::string& file) { test::WriteFile(file, "this is no database, not at all"); }},
+        {"zeroes behind the header",
+         [](const std::string& file) {
+             std::string bytes = test::FileContent(file);
+             bytes.replace(100, bytes.size() - 100, bytes.size() - 100, '\0');
+             test::WriteFile(file, bytes);
+         }},
+        {"cut",
+         [](const std::string& file) {
+             std::filesystem::resize_file(file, std::filesystem::file_size(file) - 4096);
+         }},
+        {"a table of another shape",
+         [](const std::string& file) {
+             std::filesystem::remove(file);
+             const std::string command = "sqlite3 " + file + " 'CREATE TABLE registry(a, b)'";
+             EXPECT_EQ(std::system(command.c_str()), 0);
+         }},
+    };
+    for (const Damage& damage : damages) {
+        {
+            auto registry = Open();
+            for (int i = 0; i < 100; ++i)
+                Set(*registry, "k" + std::to_string(i), "n", Bytes(std::string(1000, 'x')));
+        }
+        damage.spoil(path);
+        problems.clear();
+        auto registry = Open();
+        ASSERT_TRUE(registry) << damage.name;
+        EXPECT_EQ(problems.size(), 1u) << damage.name;
+        EXPECT_TRUE(std::filesystem::exists(path + ".damaged")) << damage.name;
+        EXPECT_TRUE(registry->List().empty()) << damage.name;
+        EXPECT_TRUE(Set(*registry, "k", "n", Bytes("v"))) << damage.name;
+    }
+}
+
+TEST_F(SqliteRegistryTest, ReportsWhatCannotBeOpened) {
+    test::WriteFile(scratch / "file", "");
+    EXPECT_FALSE(Open(scratch / "file/registry.db"));
+    std::filesystem::create_directory(scratch / "directory.db");
+    EXPECT_FALSE(Open(scratch / "directory.db"));
+    std::filesystem::create_symlink("/etc/passwd", scratch / "link.db");
+    EXPECT_FALSE(Open(scratch / "link.db"));
+    EXPECT_EQ(problems.size(), 3u);
+}
+
+TEST_F(SqliteRegistryTest, IsSharedWithOtherProcessesAndThreads) {
+    auto registry = Open();
+    ASSERT_TRUE(registry);
+    constexpr std::size_t writers = 4;
+    constexpr std::size_t rounds = 50;
+    std::vector<pid_t> children;
+    for (std::size_t child = 0; child < writers; ++child) {
+        children.push_back(fork());
+        if (children.back() != 0) continue;
+        // A connection does not survive a fork; the child opens its own.
+        const auto own = SqliteRegistry::Open(path, nullptr);
+        bool good = own != nullptr;
+        for (std::size_t i = 0; good && i < rounds; ++i) {
+            const std::string name = std::to_string(child) + "." + std::to_string(i);
+            good = Set(*own, "shared", name, Bytes(name)) && (i % 10 != 0 || own->RegFlushKey());
+        }
+        _exit(good ? 0 : 1);
+    }
+    std::atomic<bool> done = false;
+    std::thread reader([&] {
+        while (!done)
+            EXPECT_LE(registry->List("shared").size(), writers * rounds);
+    });
+    for (std::size_t i = 0; i < rounds; ++i)
+        EXPECT_TRUE(Set(*registry, "parent", std::to_string(i), Bytes("x")));
+    for (const pid_t child : children) {
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    done = true;
+    reader.join();
+    EXPECT_EQ(registry->List("shared").size(), writers * rounds);
+    EXPECT_EQ(Get(*registry, "SHARED", "3.49"), Bytes("3.49"));
+}
+
+TEST_F(SqliteRegistryTest, AWriterElsewhereHoldsItUpForASecondAtMost) {
+    auto registry = Open();
+    EXPECT_TRUE(Set(*registry, "k", "n", Bytes("v")));
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    const auto start = std::chrono::steady_clock::now();
+    bool created = false;
+    const auto key = registry->RegCreateKeyEx("k", created);
+    EXPECT_FALSE(key && key->RegSetValueEx("n", Bytes("w")));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2500));
+    EXPECT_EQ(problems.size(), 1u);
+    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
+    sqlite3_close(other);
+    EXPECT_TRUE(Set(*registry, "k", "n", Bytes("w")));
+}
+
+TEST_F(SqliteRegistryTest, LeaksNoDescriptor) {
+    const auto before = test::OpenDescriptors();
+    const int inheritable = test::InheritableDescriptors();
+    for (int i = 0; i < 5; ++i) {
+        auto registry = Open();
+        EXPECT_TRUE(Set(*registry, "k", "n", Bytes("v")));
+        EXPECT_EQ(test::InheritableDescriptors(), inheritable);
+    }
+    EXPECT_EQ(test::OpenDescriptors(), before);
+}
+
+TEST_F(SqliteRegistryTest, LoadsInitialValuesThatAreMissing) {
+    auto registry = Open();
+    EXPECT_TRUE(Set(*registry, "GPRS\\NetworkMode", "Account", Bytes("mine")));
+    const auto errors = LoadInitialRegistry(*registry,
+                                            "orphan = dword:1\n"
+                                            "[GPRS\\OPENFLAG]\n"
+                                            "m_GprsAutoOpenFlag = dword:7\n"
+                                            "m_GprsAutoOpenFlag = DWORD:0xFFFFFFFF\n"
+                                            "bad = dword:4294967296\n"
+                                            "[gprs\\networkmode]\n"
+                                            "ACCOUNT = dword:2\n"
+                                            "[Software\\QXPhoneNum]\n"
+                                            "SOS = sz:112 \xD0\xAF\n"
+                                            "Empty = sz:\n"
+                                            "Blob = hex:0a0Bff\n"
+                                            "None = hex:\n"
+                                            "bad = hex:0a0\n"
+                                            "bad = hex:0g\n"
+                                            "bad = 17\n"
+                                            "nonsense\n");
+    const std::vector<std::string> lines = {"line 16", "line 1:", "line 5:", "line 13", "line 14", "line 15"};
+    ASSERT_EQ(errors.size(), lines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        EXPECT_TRUE(errors[i].starts_with(lines[i])) << errors[i];
+    EXPECT_EQ(Get(*registry, "GPRS\\OPENFLAG", "m_GprsAutoOpenFlag"),
+              Bytes("\xFF\xFF\xFF\xFF", RegistryType::Dword))
+        << "the later line holds";
+    EXPECT_EQ(Get(*registry, "GPRS\\NetworkMode", "Account"), Bytes("mine")) << "what is there stays";
+    EXPECT_EQ(Get(*registry, "Software\\QXPhoneNum", "sos"), Bytes({"1\0001\0002\0 \0\x2F\x04\0\0", 12}));
+    EXPECT_EQ(Get(*registry, "Software\\QXPhoneNum", "empty"), Bytes({"\0\0", 2}));
+    EXPECT_EQ(Get(*registry, "Software\\QXPhoneNum", "blob"), Bytes("\x0A\x0B\xFF", RegistryType::Binary));
+    EXPECT_EQ(Get(*registry, "Software\\QXPhoneNum", "none"), Bytes("", RegistryType::Binary));
+    EXPECT_FALSE(Get(*registry, "Software\\QXPhoneNum", "bad"));
+}
+
+}  // namespace
+}  // namespace varkel

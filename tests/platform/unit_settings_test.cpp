@@ -1,0 +1,169 @@
+#include "platform/linux/unit_settings.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <random>
+#include <unistd.h>
+
+#include "platform/linux/child_process.h"
+#include "platform/linux/device_path.h"
+#include "platform/linux/linux_processes.h"
+#include "tests/platform/scratch.h"
+
+namespace varkel {
+namespace {
+
+TEST(UnitSettingsTest, ReadsTheUnitFile) {
+    const UnitSettings settings = ParseUnitSettings(
+        "[unit]\n"
+        "root = flash\n"
+        "assets = ../assets/.\n"
+        "language = Russian\n"
+        "registry = /var/lib/varkel/registry.db\n"
+        "initial_registry = initial.txt\n"
+        "object_prefix = car-1\n"
+        "bus = unix:path=/run/unit/bus\n"
+        "driver = bus\n"
+        "[Serial]\n"
+        "com7: = /dev/ttyUSB3\n"
+        "COM9: = ttyModem\n"
+        "[driver]\n"
+        "Get3GPower = constant:1\n"
+        "[programs]\n"
+        "\\ResidentFlash2\\bin\\IE\\IE.exe = browser \"two words\" --x\n",
+        "/etc/unit");
+    EXPECT_TRUE(settings.errors.empty()) << settings.errors[0];
+    EXPECT_EQ(settings.root, "/etc/unit/flash");
+    EXPECT_EQ(settings.assets, "/etc/assets/");
+    EXPECT_EQ(settings.language, "russian");
+    EXPECT_EQ(settings.registry, "/var/lib/varkel/registry.db");
+    EXPECT_EQ(settings.initialRegistry, "/etc/unit/initial.txt");
+    EXPECT_EQ(settings.objectPrefix, "car-1");
+    EXPECT_EQ(settings.bus.kind, BusKind::Address);
+    EXPECT_EQ(settings.bus.address, "unix:path=/run/unit/bus");
+    EXPECT_EQ(settings.driver, DriverKind::Bus);
+    EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB3");
+    EXPECT_EQ(settings.TtyOf("com9:"), "/etc/unit/ttyModem");
+    EXPECT_EQ(settings.TtyOf("COM1:"), "");
+    EXPECT_EQ(settings.board.answers[0].source, BoardSource::Constant);
+    EXPECT_EQ(settings.programs.at("residentflash2\\bin\\ie\\ie.exe"),
+              (std::vector<std::string>{"browser", "two words", "--x"}));
+}
+
+TEST(UnitSettingsTest, HasDefaultsForAUserWithoutAUnitFile) {
+    setenv("HOME", "/home/somebody", 1);
+    unsetenv("XDG_DATA_HOME");
+    EXPECT_EQ(DefaultUnitSettings().registry, "/home/somebody/.local/share/varkel/registry.db");
+    setenv("XDG_DATA_HOME", "relative", 1);
+    EXPECT_EQ(DefaultUnitSettings().root, "/home/somebody/.local/share/varkel/flash");
+    setenv("XDG_DATA_HOME", "/data", 1);
+    const UnitSettings settings = DefaultUnitSettings();
+    EXPECT_EQ(settings.root, "/data/varkel/flash");
+    EXPECT_EQ(settings.objectPrefix, "varkel-" + std::to_string(geteuid()));
+    EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB2");
+    EXPECT_EQ(settings.bus.kind, BusKind::Session);
+    EXPECT_EQ(settings.driver, DriverKind::Board);
+    EXPECT_TRUE(settings.errors.empty());
+}
+
+TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
+    const UnitSettings settings = ParseUnitSettings(
+        "[unit]\n"
+        "language = klingon\n"
+        "bus = tram\n"
+        "driver = me\n"
+        "object_prefix = a/b\n"
+        "root =\n"
+        "colour = blue\n"
+        "[serial]\n"
+        "COM7: =\n"
+        "[programs]\n"
+        "\\a = \"\n"
+        "[driver]\n"
+        "Get3GPower = 1\n"
+        "[radio]\n"
+        "x = y\n",
+        "/");
+    const char* const lines[] = {"2", "3", "4", "5", "6", "7", "9", "11", "15", "13"};
+    ASSERT_EQ(settings.errors.size(), std::size(lines));
+    for (std::size_t i = 0; i < std::size(lines); ++i)
+        EXPECT_TRUE(settings.errors[i].starts_with("line " + std::string(lines[i]) + ":"))
+            << settings.errors[i];
+    EXPECT_EQ(settings.language, "english");
+    EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB2");
+    for (const char* path : {"/nowhere/unit.conf", "/tmp", "/dev/null/x"}) {
+        const UnitSettings missing = LoadUnitSettings(path);
+        EXPECT_EQ(missing.errors.size(), 1u) << path;
+        EXPECT_EQ(missing.language, "english");
+    }
+}
+
+TEST(UnitSettingsTest, TakesAnyBytes) {
+    std::mt19937 random(1);
+    const std::string_view pieces[] = {
+        "[unit]\n", "[driver]", "[programs]\n", "=",          "\n",   "\\", "\"",
+        "command:", "file:/",   "constant:",    "Get3GPower", "root", "%d", "\0\xFF"};
+    for (int i = 0; i < 3000; ++i) {
+        std::string text;
+        for (auto j = random() % 40; j > 0; --j)
+            text += random() % 4 == 0 ? std::string(1, static_cast<char>(random()))
+                                      : std::string(pieces[random() % std::size(pieces)]);
+        const UnitSettings settings = ParseUnitSettings(text, "/x");
+        EXPECT_FALSE(settings.root.empty());
+    }
+}
+
+TEST(UnitSettingsTest, RelativePathsStartAtTheFile) {
+    test::ScratchDirectory scratch;
+    test::WriteFile(scratch / "unit.conf", "[unit]\nroot = flash\n");
+    EXPECT_EQ(LoadUnitSettings(scratch / "unit.conf").root, scratch / "flash");
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(scratch.Path());
+    EXPECT_EQ(LoadUnitSettings("unit.conf").root, scratch / "flash");
+    std::filesystem::current_path(before);
+}
+
+TEST(SplitCommandTest, CutsAtBlanksOutsideQuotes) {
+    using Parts = std::vector<std::string>;
+    EXPECT_EQ(SplitCommand("  a  b\tc "), (Parts{"a", "b", "c"}));
+    EXPECT_EQ(SplitCommand("a \"b c\" d\"e f\"g \"\""), (Parts{"a", "b c", "de fg", ""}));
+    EXPECT_EQ(SplitCommand("a \"b"), Parts{});
+    EXPECT_EQ(SplitCommand(" "), Parts{});
+    std::string many = "a";
+    for (int i = 1; i < 64; ++i)
+        many += " a";
+    EXPECT_EQ(SplitCommand(many).size(), 64u);
+    EXPECT_EQ(SplitCommand(many + " a"), Parts{});
+}
+
+TEST(LinuxProcessesTest, StartsWatchesAndEndsPrograms) {
+    test::ScratchDirectory scratch;
+    const auto descriptors = test::OpenDescriptors();
+    {
+        LinuxRuntime runtime;
+        LinuxProcesses processes(runtime, {{PlainDevicePath("\\Bin\\Short.exe"), {"true"}},
+                                           {PlainDevicePath("\\Bin\\Long.exe"), {"sleep", "60"}},
+                                           {PlainDevicePath("\\Bin\\None.exe"), {"/no/such/program"}}});
+        EXPECT_EQ(processes.CreateProcess("\\Bin\\Unknown.exe"), nullptr);
+        EXPECT_EQ(processes.CreateProcess("\\Bin\\None.exe"), nullptr);
+        const auto brief = processes.CreateProcess("bin\\SHORT.EXE");
+        ASSERT_TRUE(brief);
+        EXPECT_EQ(brief->Wait(20'000), WaitResult::Object0);
+        EXPECT_EQ(brief->Wait(0), WaitResult::Object0);
+        brief->TerminateProcess();
+        const auto lasting = processes.CreateProcess("\\bin\\long.exe");
+        ASSERT_TRUE(lasting);
+        EXPECT_EQ(lasting->Wait(20), WaitResult::Timeout);
+        const auto waiter = runtime.CreateThread(
+            {"waiter"}, [&] { EXPECT_EQ(lasting->Wait(infiniteTicks), WaitResult::Object0); });
+        lasting->TerminateProcess();
+        EXPECT_EQ(waiter->Wait(20'000), WaitResult::Object0);
+        const auto dropped = processes.CreateProcess("\\bin\\long.exe");
+        dropped->TerminateProcess();
+    }
+    EXPECT_EQ(test::OpenDescriptors(), descriptors);
+}
+
+}  // namespace
+}  // namespace varkel

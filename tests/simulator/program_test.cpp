@@ -1,0 +1,230 @@
+// The parts of varkel-sim that touch the system.
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+
+#include "platform/linux/unit_settings.h"
+#include "simulator/program/hosted_program.h"
+#include "simulator/program/line_reader.h"
+#include "simulator/program/pty.h"
+#include "simulator/program/task_queue.h"
+#include "simulator/program/unit_place.h"
+
+namespace varkel::sim {
+namespace {
+
+constexpr auto longEnough = std::chrono::seconds(20);
+
+class TemporaryDirectory {
+  public:
+    TemporaryDirectory() {
+        std::string pattern = testing::TempDir() + "sim-XXXXXX";
+        path = mkdtemp(pattern.data());
+    }
+    ~TemporaryDirectory() { std::filesystem::remove_all(path); }
+
+    std::string path;
+};
+
+bool Readable(int descriptor) {
+    std::array<pollfd, 1> polled{{{descriptor, POLLIN, 0}}};
+    return Poll(polled, longEnough);
+}
+
+int OpenDescriptors() {
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return static_cast<int>(std::distance(begin(all), end(all)));
+}
+
+TEST(Lines, AreCutFromWhatArrives) {
+    LineReader reader;
+    reader.Add("one\r\ntwo\nthr");
+    EXPECT_EQ(reader.Next(), "one");
+    EXPECT_EQ(reader.Next(), "two");
+    EXPECT_EQ(reader.Next(), std::nullopt);
+    reader.Add("ee\n");
+    EXPECT_EQ(reader.Next(), "three");
+    for (int i = 0; i < 100; ++i) {
+        reader.Add(std::string(1000, 'x'));
+        EXPECT_EQ(reader.Next(), std::nullopt);
+    }
+    reader.Add("\n");
+    EXPECT_EQ(reader.Next(), std::string(LineReader::longest, 'x'));
+    reader.Add("no end");
+    EXPECT_EQ(reader.Rest(), "no end");
+}
+
+TEST(Tasks, ComeFromOtherThreadsAndAreBounded) {
+    TaskQueue queue;
+    int done = 0;
+    std::thread other([&] {
+        for (int i = 0; i < 100; ++i)
+            EXPECT_TRUE(queue.Post([&done] { ++done; }));
+    });
+    while (done < 100) {
+        ASSERT_TRUE(Readable(queue.Descriptor()));
+        queue.Run();
+    }
+    other.join();
+    for (std::size_t i = 0; i < TaskQueue::limit; ++i)
+        EXPECT_TRUE(queue.Post([] {}));
+    EXPECT_FALSE(queue.Post([] {}));
+    queue.Run();
+    EXPECT_TRUE(queue.Post([&queue] { queue.Post([] {}); })) << "a task may hand in another";
+    queue.Run();
+}
+
+TEST(PtyTest, IsARawDeviceThatComesAndGoes) {
+    TemporaryDirectory directory;
+    const std::string link = directory.path + "/ttyModem";
+    const int before = OpenDescriptors();
+    auto pty = Pty::Open(link);
+    ASSERT_TRUE(pty);
+    FileDescriptor program(open(link.c_str(), O_RDWR | O_NOCTTY));
+    ASSERT_TRUE(program);
+    termios settings{};
+    ASSERT_EQ(tcgetattr(program.Get(), &settings), 0);
+    EXPECT_EQ(settings.c_lflag & (ICANON | ECHO | ISIG), 0u);
+    EXPECT_EQ(settings.c_iflag & ICRNL, 0u);
+
+    ASSERT_TRUE(WriteAll(program.Get(), "AT\r\n"));
+    ASSERT_TRUE(Readable(pty->Descriptor()));
+    EXPECT_EQ(pty->Read(), "AT\r\n");
+    pty->Write("\r\nOK\r\n");
+    std::array<char, 16> answer{};
+    EXPECT_EQ(read(program.Get(), answer.data(), answer.size()), 6);
+
+    // Nobody reads: what the device cannot take waits, up to a bound.
+    for (int i = 0; i < 1000; ++i)
+        pty->Write(std::string(1000, 'x'));
+    EXPECT_TRUE(pty->Waiting());
+
+    program.Reset();
+    program.Reset(open(link.c_str(), O_RDWR | O_NOCTTY));
+    EXPECT_TRUE(program) << "it can be opened again";
+    pty.reset();
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(link)));
+    tcflush(program.Get(), TCIFLUSH);
+    EXPECT_LE(read(program.Get(), answer.data(), answer.size()), 0) << "a hang-up";
+    program.Reset();
+    EXPECT_EQ(OpenDescriptors(), before);
+    EXPECT_FALSE(Pty::Open(directory.path + "/no/such/place"));
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
+// What it prints until it closes its output.
+std::string AllOutput(HostedProgram& program) {
+    std::string all;
+    while (program.Output() >= 0 && Readable(program.Output()))
+        all += program.ReadOutput();
+    return all;
+}
+
+int ExitCode(HostedProgram& program) {
+    EXPECT_TRUE(Readable(program.EndDescriptor()));
+    return program.Collect().value_or(-1);
+}
+
+TEST(Hosted, ReadsWhatIsTypedAndEndsWithItsCode) {
+    const int before = OpenDescriptors();
+    {
+        std::string fault;
+        const auto program = HostedProgram::Start({"sh", "-c", "cat; exit 5"}, fault);
+        ASSERT_TRUE(program) << fault;
+        EXPECT_EQ(program->Collect(), std::nullopt) << "it runs";
+        // More than a pipe holds: the rest waits and goes out in the end.
+        const std::string line = std::string(999, 'x') + "\n";
+        std::size_t typed = 0;
+        while (!program->Waiting() && program->Type(line))
+            typed += line.size();
+        program->CloseInput();
+        EXPECT_FALSE(program->Type("too late\n"));
+        std::size_t got = 0;
+        while (program->Output() >= 0 && Readable(program->Output())) {
+            got += program->ReadOutput().size();
+            program->FlushInput();
+        }
+        EXPECT_EQ(got, typed);
+        EXPECT_EQ(ExitCode(*program), 5);
+    }
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
+TEST(Hosted, IsAskedToEndInAGroupOfItsOwn) {
+    std::string fault;
+    const auto program = HostedProgram::Start(
+        {"sh", "-c", "trap 'echo caught; exit 7' INT; echo ready; while :; do sleep 0.1; done"}, fault);
+    ASSERT_TRUE(program) << fault;
+    ASSERT_TRUE(Readable(program->Output()));
+    EXPECT_EQ(program->ReadOutput(), "ready\n");
+    program->Signal(SIGINT);
+    EXPECT_EQ(AllOutput(*program), "caught\n");
+    EXPECT_EQ(ExitCode(*program), 7);
+    program->Signal(SIGINT);  // nobody is there any more, and nobody else is hit
+}
+
+TEST(Hosted, DiesWithItsOwner) {
+    std::string fault;
+    auto program = HostedProgram::Start({"sh", "-c", "echo $$; exec sleep 1000"}, fault);
+    ASSERT_TRUE(program) << fault;
+    ASSERT_TRUE(Readable(program->Output()));
+    const pid_t pid = static_cast<pid_t>(std::stol(program->ReadOutput()));
+    EXPECT_EQ(kill(pid, 0), 0);
+    program.reset();
+    EXPECT_EQ(kill(pid, 0), -1);
+}
+
+TEST(Hosted, MayCloseItsInput) {
+    signal(SIGPIPE, SIG_IGN);
+    std::string fault;
+    const auto program = HostedProgram::Start({"sh", "-c", "exec <&-; echo closed; sleep 1000"}, fault);
+    ASSERT_TRUE(program) << fault;
+    ASSERT_TRUE(Readable(program->Output()));
+    static_cast<void>(program->Type("nobody reads\n"));
+    EXPECT_FALSE(program->Waiting());
+    EXPECT_FALSE(program->Type("nobody reads\n"));
+}
+
+TEST(Hosted, SaysWhyItCannotStart) {
+    const int before = OpenDescriptors();
+    std::string fault;
+    EXPECT_FALSE(HostedProgram::Start({"/no/such/program"}, fault));
+    EXPECT_EQ(fault, "/no/such/program: No such file or directory");
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
+TEST(Place, IsReadableAsTheProgramReadsIt) {
+    TemporaryDirectory directory;
+    const std::string path = directory.path + "/a unit";
+    std::string fault;
+    auto place = MakeUnitPlace(path, "", fault);
+    ASSERT_TRUE(place) << fault;
+    const UnitSettings settings = LoadUnitSettings(place->unitFile);
+    EXPECT_TRUE(settings.errors.empty()) << settings.errors.front();
+    EXPECT_EQ(settings.root, path + "/flash");
+    EXPECT_EQ(settings.driver, DriverKind::Bus);
+    EXPECT_EQ(settings.TtyOf("COM7:"), path + "/ttyModem");
+    EXPECT_EQ(settings.objectPrefix, place->objectPrefix);
+    EXPECT_EQ(settings.initialRegistry, path + "/registry.txt");
+    struct stat status {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777u, 0700u);
+
+    EXPECT_FALSE(MakeUnitPlace(path, "", fault)) << "one simulator a directory";
+    EXPECT_EQ(fault, "another simulator runs in " + path);
+    place.reset();
+    EXPECT_TRUE(MakeUnitPlace(path, "", fault));
+    EXPECT_FALSE(MakeUnitPlace("/proc/nowhere", "", fault));
+    EXPECT_FALSE(MakeUnitPlace("with\na line end", "", fault));
+}
+
+}  // namespace
+}  // namespace varkel::sim

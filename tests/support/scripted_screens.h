@@ -1,0 +1,99 @@
+// Screens without a picture: what is shown is written down, and a script types the codes.
+#pragma once
+
+#include <deque>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "session/screens.h"
+
+namespace varkel::test {
+
+class ScriptedScreens final : public Screens {
+  public:
+    explicit ScriptedScreens(Runtime& runtime)
+        : m_typed(runtime.CreateEvent(EventReset::Automatic)),
+          m_cancel(runtime.CreateEvent(EventReset::Manual)) {}
+
+    void SetStatusText(std::string_view text) override { Note("status " + std::string(text)); }
+    void ShowStatusLine(bool show) override { Note(show ? "status line shown" : "status line hidden"); }
+    void ShowOpenStep(OpenStep step, Ticks) override {
+        Note("step " + std::to_string(static_cast<int>(step)));
+    }
+    void SetSignalLevel(int level) override { Note("signal " + std::to_string(level)); }
+    void Repaint() override {}
+    void EnableWindow(bool enable) override { Note(enable ? "enabled" : "disabled"); }
+    void PlaceWindow(WindowPlace place) override { Note("place " + std::to_string(static_cast<int>(place))); }
+    void Warn(WarnCode code) override { Note("warn " + std::to_string(static_cast<int>(code))); }
+
+    // Takes the next typed entry that the dialog accepts; waits while nobody types.
+    std::optional<CodeEntry> AskCodes(const CodeRequest& request) override {
+        Note("ask " + request.firstLabel + request.secondLabel);
+        m_cancel->Reset();
+        for (;;) {
+            if (request.cancelled() || m_cancel->Wait(0) == WaitResult::Object0) return std::nullopt;
+            std::optional<std::optional<CodeEntry>> next;
+            {
+                std::lock_guard lock(m_mutex);
+                if (!m_entries.empty()) {
+                    next = std::move(m_entries.front());
+                    m_entries.pop_front();
+                }
+            }
+            if (!next) {
+                m_typed->Wait(infiniteTicks);
+                continue;
+            }
+            if (m_cancel->Wait(typingTakes) == WaitResult::Object0 || !*next) return std::nullopt;
+            const auto fault = request.check((*next)->first, (*next)->second);
+            if (!fault) return *next;
+            Warn(*fault);
+        }
+    }
+
+    void CancelPrompts() override {
+        m_cancel->Set();
+        m_typed->Set();
+    }
+
+    // For the next question; several are taken in order.
+    void Type(std::string first, std::string second = "") {
+        Enter(CodeEntry{std::move(first), std::move(second)});
+    }
+    void TypeCancel() { Enter(std::nullopt); }
+
+    std::vector<std::string> Shown() {
+        std::lock_guard lock(m_mutex);
+        return m_shown;
+    }
+
+    int Count(std::string_view text) {
+        std::lock_guard lock(m_mutex);
+        return static_cast<int>(std::count(m_shown.begin(), m_shown.end(), text));
+    }
+
+    static constexpr Ticks typingTakes = 3000;
+
+  private:
+    void Enter(std::optional<CodeEntry> entry) {
+        {
+            std::lock_guard lock(m_mutex);
+            m_entries.push_back(std::move(entry));
+        }
+        m_typed->Set();
+    }
+
+    void Note(std::string text) {
+        std::lock_guard lock(m_mutex);
+        m_shown.push_back(std::move(text));
+    }
+
+    std::shared_ptr<Event> m_typed;
+    std::shared_ptr<Event> m_cancel;
+    std::mutex m_mutex;
+    std::deque<std::optional<CodeEntry>> m_entries;
+    std::vector<std::string> m_shown;
+};
+
+}  // namespace varkel::test

@@ -1,0 +1,85 @@
+// The whole program without its window, on the simulated unit, in virtual time.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "session/varkel_dlg.h"
+#include "tests/support/memory_files.h"
+#include "tests/support/memory_objects.h"
+#include "tests/support/memory_processes.h"
+#include "tests/support/memory_registry.h"
+#include "tests/support/memory_windows.h"
+#include "tests/support/recorded_notices.h"
+#include "tests/support/scripted_screens.h"
+#include "tests/support/virtual_runtime.h"
+#include "tests/support/virtual_serial.h"
+#include "tests/support/virtual_unit.h"
+
+namespace varkel::test {
+
+struct SessionBench {
+    explicit SessionBench(std::uint64_t seed = 1, const sim::UnitConfig& config = {})
+        : runtime(seed), unit(runtime, serial, config, seed) {}
+
+    // Ends the program in order, if the test has not done so.
+    ~SessionBench() {
+        Quit();
+        dialog.reset();
+    }
+
+    void Start(std::string_view commandLine = "1") {
+        dialog = std::make_unique<CVarkelDlg>(platform, screens);
+        dialog->OnInitDialog(commandLine, LogLevel::Debug);
+    }
+
+    // Lets the dialog thread work for some time, or until something holds; false when it does not in that
+    // time.
+    void RunFor(Ticks time) {
+        (void)RunUntil([] { return false; }, time);
+    }
+    bool RunUntil(const std::function<bool()>& holds, Ticks limit) {
+        constexpr TimerId limitTimer = 9001;
+        constexpr TimerId lookTimer = 9002;
+        bool over = false;
+        loop.SetTimer(limitTimer, limit, [&over] { over = true; });
+        loop.SetTimer(lookTimer, 50, [] {});
+        loop.Run([&] { return over || holds(); });
+        loop.KillTimer(limitTimer);
+        loop.KillTimer(lookTimer);
+        return holds();
+    }
+
+    bool OpenEnded() { return windows.CountPosted("3G_OPEN_END 0 0") > 0; }
+    bool RunUntilOpenEnds(Ticks limit = 300'000) {
+        const int before = windows.CountPosted("3G_OPEN_END 0 0");
+        return RunUntil([this, before] { return windows.CountPosted("3G_OPEN_END 0 0") > before; }, limit);
+    }
+
+    void Quit() {
+        if (!dialog || loop.Quitting()) return;
+        dialog->Quit();
+        loop.Run([] { return false; });
+    }
+
+    std::string LogContent() { return files.Content("Nandflash\\3G.ini"); }
+
+    VirtualRuntime runtime;
+    MessageLoop loop{runtime};
+    MemoryFiles files;
+    Log log{runtime, files};
+    MemoryRegistry registry;
+    MemoryObjects objects{runtime};
+    MemoryWindows windows{loop};
+    MemoryProcesses processes{runtime};
+    RecordedNotices notices;
+    VirtualSerial serial{runtime};
+    VirtualUnit unit;
+    Language language{files, "english"};
+    ScriptedScreens screens{runtime};
+    Platform platform{runtime, loop,  serial,    registry, objects,  windows,
+                      unit,    files, processes, notices,  language, log};
+    std::unique_ptr<CVarkelDlg> dialog;
+};
+
+}  // namespace varkel::test
