@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/platform/private_bus.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 // All connections of a process share one hash key inside libsystemd, which renews it without a lock. A
 // program has one connection; only tests have several.

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/platform/dialog_fixture.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "tests/platform/durable_files.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {

@@ -8,7 +8,7 @@
 #include "platform/linux/bus.h"
 #include "platform/linux/child_process.h"
 #include "platform/linux/file_descriptor.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel::test {
 

@@ -13,7 +13,7 @@
 #include <thread>
 #include <unistd.h>
 
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {

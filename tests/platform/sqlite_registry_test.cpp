@@ -11,7 +11,7 @@
 
 #include "platform/linux/initial_registry.h"
 #include "tests/platform/durable_files.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/linux/file_descriptor.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {

@@ -9,10 +9,16 @@
 #include "platform/linux/child_process.h"
 #include "platform/linux/device_path.h"
 #include "platform/linux/linux_processes.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {
+
+TEST(UnitSettingsTest, UnderstandsTheExample) {
+    const UnitSettings settings = LoadUnitSettings(VARKEL_DATA_DIRECTORY "/unit.conf.example");
+    EXPECT_TRUE(settings.errors.empty()) << settings.errors[0];
+    EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB2");
+}
 
 TEST(UnitSettingsTest, ReadsTheUnitFile) {
     const UnitSettings settings = ParseUnitSettings(

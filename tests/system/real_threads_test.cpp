@@ -9,11 +9,11 @@
 #include "platform/linux/sqlite_registry.h"
 #include "platform/linux/tty_serial_port.h"
 #include "session/varkel_dlg.h"
-#include "tests/platform/scratch.h"
 #include "tests/support/memory_processes.h"
 #include "tests/support/memory_windows.h"
 #include "tests/support/real_unit.h"
 #include "tests/support/recorded_notices.h"
+#include "tests/support/scratch.h"
 #include "tests/support/scripted_screens.h"
 
 namespace varkel::test {
