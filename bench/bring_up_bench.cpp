@@ -14,6 +14,7 @@
 #include "platform/linux/tty_serial_port.h"
 #include "session/varkel_dlg.h"
 #include "tests/support/bring_up_bar.h"
+#include "tests/support/code_pages.h"
 #include "tests/support/memory_processes.h"
 #include "tests/support/memory_windows.h"
 #include "tests/support/real_unit.h"
@@ -42,7 +43,8 @@ Ticks OpenOnce(const std::string& directory) {
     const Language language(files, "english");
     ScriptedScreens screens(runtime);
     Platform platform{runtime, loop,  serial,    *registry, objects,  windows,
-                      unit,    files, processes, notices,   language, log};
+                      unit,    files, processes, notices,   language, CodePageNamed("GB18030"),
+                      log};
     Ticks took = 0;
     {
         CVarkelDlg dialog(platform, screens);

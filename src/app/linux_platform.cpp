@@ -6,6 +6,7 @@
 
 #include "platform/linux/board_kovex_drv.h"
 #include "platform/linux/bus_kovex_drv.h"
+#include "platform/linux/iconv_code_page.h"
 #include "platform/linux/initial_registry.h"
 
 namespace varkel {
@@ -42,6 +43,7 @@ LinuxPlatform::LinuxPlatform(LinuxRuntime& runtime, MessageLoop& loop, const Uni
       m_files(settings.root, settings.assets),
       m_log(runtime, m_files),
       m_language(m_files, settings.language),
+      m_codePage(DisplayCodePage(m_language.GetLanguage(), settings.systemCodePage, onProblem)),
       m_registry(OpenRegistry(settings, onProblem)),
       m_objects(runtime, settings.objectPrefix),
       m_bus(settings.bus, onProblem),
@@ -55,8 +57,8 @@ LinuxPlatform::LinuxPlatform(LinuxRuntime& runtime, MessageLoop& loop, const Uni
       m_processes(runtime, settings.programs) {}
 
 Platform LinuxPlatform::Services(Notices& notices) {
-    return {m_runtime, m_loop,  m_serial,    *m_registry, m_objects,  m_windows,
-            *m_driver, m_files, m_processes, notices,     m_language, m_log};
+    return {m_runtime, m_loop,      m_serial, *m_registry, m_objects,   m_windows, *m_driver,
+            m_files,   m_processes, notices,  m_language,  *m_codePage, m_log};
 }
 
 }  // namespace varkel

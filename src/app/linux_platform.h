@@ -39,6 +39,7 @@ class LinuxPlatform {
     LinuxUnitFiles m_files;
     Log m_log;
     Language m_language;
+    std::unique_ptr<CodePage> m_codePage;
     std::unique_ptr<SqliteRegistry> m_registry;
     ShmNamedObjects m_objects;
     Bus m_bus;

@@ -1,6 +1,7 @@
 // Everything the program needs from the system it runs on, in one place.
 #pragma once
 
+#include "platform/code_page.h"
 #include "platform/kovex_drv_api.h"
 #include "platform/language.h"
 #include "platform/log.h"
@@ -29,6 +30,7 @@ struct Platform {
     Processes& processes;
     Notices& notices;
     const Language& language;
+    const CodePage& codePage;
     Log& log;
 };
 

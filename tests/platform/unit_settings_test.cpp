@@ -26,6 +26,7 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
         "root = flash\n"
         "assets = ../assets/.\n"
         "language = Russian\n"
+        "system_code_page = CP936\n"
         "registry = /var/lib/varkel/registry.db\n"
         "initial_registry = initial.txt\n"
         "object_prefix = car-1\n"
@@ -43,6 +44,7 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
     EXPECT_EQ(settings.root, "/etc/unit/flash");
     EXPECT_EQ(settings.assets, "/etc/assets/");
     EXPECT_EQ(settings.language, "russian");
+    EXPECT_EQ(settings.systemCodePage, "CP936");
     EXPECT_EQ(settings.registry, "/var/lib/varkel/registry.db");
     EXPECT_EQ(settings.initialRegistry, "/etc/unit/initial.txt");
     EXPECT_EQ(settings.objectPrefix, "car-1");
@@ -82,6 +84,7 @@ TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
         "object_prefix = a/b\n"
         "root =\n"
         "colour = blue\n"
+        "system_code_page = UTF-8\n"
         "[serial]\n"
         "COM7: =\n"
         "[programs]\n"
@@ -91,12 +94,13 @@ TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
         "[radio]\n"
         "x = y\n",
         "/");
-    const char* const lines[] = {"2", "3", "4", "5", "6", "7", "9", "11", "15", "13"};
+    const char* const lines[] = {"2", "3", "4", "5", "6", "7", "8", "10", "12", "16", "14"};
     ASSERT_EQ(settings.errors.size(), std::size(lines));
     for (std::size_t i = 0; i < std::size(lines); ++i)
         EXPECT_TRUE(settings.errors[i].starts_with("line " + std::string(lines[i]) + ":"))
             << settings.errors[i];
     EXPECT_EQ(settings.language, "english");
+    EXPECT_EQ(settings.systemCodePage, "GB18030");
     EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB2");
     for (const char* path : {"/nowhere/unit.conf", "/tmp", "/dev/null/x"}) {
         const UnitSettings missing = LoadUnitSettings(path);

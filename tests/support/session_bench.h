@@ -5,6 +5,7 @@
 #include <string>
 
 #include "session/varkel_dlg.h"
+#include "tests/support/code_pages.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/memory_objects.h"
 #include "tests/support/memory_processes.h"
@@ -77,8 +78,9 @@ struct SessionBench {
     VirtualUnit unit;
     Language language{files, "english"};
     ScriptedScreens screens{runtime};
-    Platform platform{runtime, loop,  serial,    registry, objects,  windows,
-                      unit,    files, processes, notices,  language, log};
+    const CodePage& codePage = CodePageNamed("GB18030");
+    Platform platform{runtime, loop,      serial,  registry, objects,  windows, unit,
+                      files,   processes, notices, language, codePage, log};
     std::unique_ptr<CVarkelDlg> dialog;
 };
 

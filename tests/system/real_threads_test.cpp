@@ -9,6 +9,7 @@
 #include "platform/linux/sqlite_registry.h"
 #include "platform/linux/tty_serial_port.h"
 #include "session/varkel_dlg.h"
+#include "tests/support/code_pages.h"
 #include "tests/support/memory_processes.h"
 #include "tests/support/memory_windows.h"
 #include "tests/support/real_unit.h"
@@ -69,8 +70,9 @@ struct RealThreads : testing::Test {
     RecordedNotices notices;
     Language language{files, "english"};
     ScriptedScreens screens{runtime};
-    Platform platform{runtime, loop,  serial,    *registry, objects,  windows,
-                      unit,    files, processes, notices,   language, log};
+    const CodePage& codePage = CodePageNamed("GB18030");
+    Platform platform{runtime, loop,      serial,  *registry, objects,  windows, unit,
+                      files,   processes, notices, language,  codePage, log};
     std::unique_ptr<CVarkelDlg> dialog;
 };
 

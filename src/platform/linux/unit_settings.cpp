@@ -10,6 +10,7 @@
 #include "platform/linux/child_process.h"
 #include "platform/linux/device_path.h"
 #include "platform/linux/file_descriptor.h"
+#include "platform/linux/iconv_code_page.h"
 #include "platform/linux/name_encoding.h"
 #include "platform/text.h"
 
@@ -46,6 +47,12 @@ bool SetLanguage(UnitSettings& settings, const std::string& value, const std::st
     const auto* const known = std::find(std::begin(languages), std::end(languages), LowerAscii(value));
     if (known == std::end(languages)) return false;
     settings.language = *known;
+    return true;
+}
+
+bool SetCodePage(UnitSettings& settings, const std::string& value, const std::string&) {
+    if (!IconvCodePage::Create(value)) return false;
+    settings.systemCodePage = value;
     return true;
 }
 
@@ -86,6 +93,7 @@ constexpr Key unitKeys[] = {
     {"root", SetPath<&UnitSettings::root>},
     {"assets", SetPath<&UnitSettings::assets>},
     {"language", SetLanguage},
+    {"system_code_page", SetCodePage},
     {"registry", SetPath<&UnitSettings::registry>},
     {"initial_registry", SetPath<&UnitSettings::initialRegistry>},
     {"object_prefix", SetPrefix},
@@ -137,6 +145,7 @@ UnitSettings DefaultUnitSettings() {
     settings.root = data + "/flash";
     settings.assets = "/usr/share/varkel/assets";
     settings.language = "english";
+    settings.systemCodePage = "GB18030";
     settings.registry = data + "/registry.db";
     settings.objectPrefix = "varkel-" + std::to_string(geteuid());
     settings.serial["COM7:"] = "/dev/ttyUSB2";

@@ -4,6 +4,7 @@
 //     root = flash                        the unit's flash: volumes such as NandFlash are directories in it
 //     assets = /usr/share/varkel/assets   the installed read-only files of the same shape
 //     language = english                  english, chinese, tchinese, russian, portugal, arabic
+//     system_code_page = GB18030          of texts in languages without one of their own; as iconv names it
 //     registry = registry.db
 //     initial_registry = registry.txt     values that a registry begins with; none when it is not named
 //     object_prefix = varkel-1000         programs with the same prefix share memory, mutexes and events
@@ -37,6 +38,7 @@ struct UnitSettings {
     std::string root;
     std::string assets;
     std::string language;
+    std::string systemCodePage;
     std::string registry;
     std::string initialRegistry;
     std::string objectPrefix;
