@@ -1,0 +1,16 @@
+// The default alphabet of GSM with its extension table (3GPP TS 23.038, 6.2.1).
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "platform/code_page.h"
+
+namespace varkel {
+
+// Text of seven-bit codes as narrow text, ended by a NUL. Returns the number of bytes; the end is cut at a
+// character where `narrow` is too short. At most 256 codes are taken.
+std::size_t NarrowFromGsm(const CodePage& page, std::string_view codes, std::span<char> narrow);
+
+}  // namespace varkel
