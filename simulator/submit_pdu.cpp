@@ -1,73 +1,63 @@
 #include "simulator/submit_pdu.h"
 
 #include <array>
-#include <cstdint>
-#include <optional>
+
+#include "simulator/message_address.h"
+#include "simulator/octet_reader.h"
 
 namespace varkel::sim {
 
 namespace {
 
-// Octets from the front, each access checked.
-class OctetReader {
-  public:
-    explicit OctetReader(std::string_view octets) : m_rest(octets) {}
-
-    std::optional<std::uint8_t> Octet() {
-        if (m_rest.empty()) return std::nullopt;
-        const auto octet = static_cast<std::uint8_t>(m_rest.front());
-        m_rest.remove_prefix(1);
-        return octet;
-    }
-
-    bool Skip(std::size_t octets) {
-        if (octets > m_rest.size()) return false;
-        m_rest.remove_prefix(octets);
-        return true;
-    }
-
-    std::size_t Left() const { return m_rest.size(); }
-
-  private:
-    std::string_view m_rest;
-};
-
 // By the bits 4 and 3 of the first octet (9.2.3.3): none, enhanced, relative, absolute.
 constexpr std::array<std::size_t, 4> validityOctets{0, 7, 1, 7};
 
-// Seven bits a character in the general group and in the message class group (TS 23.038, 4).
-bool SevenBit(std::uint8_t scheme) {
-    if ((scheme & 0xC0u) == 0) return (scheme & 0x0Cu) == 0;
-    if ((scheme & 0xF0u) == 0xF0) return (scheme & 0x04u) == 0;
-    return (scheme & 0xF0u) != 0xE0;
+constexpr std::uint8_t kindBits = 0x03;
+constexpr std::uint8_t submit = 0x01;
+constexpr std::uint8_t withHeader = 0x40;
+
+// Reads what stands behind the service centre's address.
+PduFault Read(OctetReader& reader, SubmittedMessage& message) {
+    const auto first = reader.Octet();
+    if (!first) return PduFault::CutShort;
+    if ((*first & kindBits) != submit) return PduFault::NotSubmit;
+    reader.Octet();  // the message reference, which the module sets
+    const auto address = TakeAddress(reader);
+    if (!address) return PduFault::CutShort;
+    message.number = address->value;
+    message.international = address->kind == AddressKind::International;
+    reader.Octet();  // the protocol identifier
+    const auto scheme = reader.Octet();
+    if (!scheme || !reader.Skip(validityOctets[(*first >> 3) & 3u])) return PduFault::CutShort;
+    message.scheme = *scheme;
+
+    const auto length = reader.Octet();
+    if (!length) return PduFault::CutShort;
+    const TextCoding coding = CodingOf(*scheme);
+    const std::size_t octets = UserDataOctets(coding, *length);
+    const std::string_view data = reader.Rest();
+    if (octets > longestUserData || data.size() > longestUserData) return PduFault::TextTooLong;
+    if (data.size() > octets) return PduFault::LeftOver;
+    auto text = DecodeUserData(coding, (*first & withHeader) != 0, *length, data);
+    if (!text) return PduFault::CutShort;
+    message.text = std::move(text->text);
+    message.part = text->part;
+    return PduFault::None;
+}
+
+bool SkipCentre(OctetReader& reader) {
+    const auto centre = reader.Octet();
+    return centre && reader.Skip(*centre);
 }
 
 }  // namespace
 
 PduFault CheckSubmitPdu(std::string_view pdu, std::size_t announced) {
     OctetReader reader(pdu);
-    const auto centre = reader.Octet();
-    if (!centre || !reader.Skip(*centre)) return PduFault::CutShort;
-    if (reader.Left() != announced) return PduFault::WrongLength;
-
-    const auto first = reader.Octet();
-    if (!first) return PduFault::CutShort;
-    constexpr std::uint8_t submit = 1;
-    if ((*first & 3u) != submit) return PduFault::NotSubmit;
-    reader.Octet();  // the message reference, which the module sets
-    const auto digits = reader.Octet();
-    constexpr std::size_t mostDigits = 20;
-    if (!digits || *digits > mostDigits || !reader.Skip(1u + (*digits + 1u) / 2)) return PduFault::CutShort;
-    reader.Octet();  // the protocol identifier
-    const auto scheme = reader.Octet();
-    if (!scheme || !reader.Skip(validityOctets[(*first >> 3) & 3u])) return PduFault::CutShort;
-
-    const auto length = reader.Octet();
-    if (!length) return PduFault::CutShort;
-    const std::size_t octets = SevenBit(*scheme) ? (*length * 7u + 7u) / 8 : *length;
-    if (octets > longestUserData || reader.Left() > longestUserData) return PduFault::TextTooLong;
-    if (reader.Left() < octets) return PduFault::CutShort;
-    return reader.Left() > octets ? PduFault::LeftOver : PduFault::None;
+    if (!SkipCentre(reader)) return PduFault::CutShort;
+    if (reader.Rest().size() != announced) return PduFault::WrongLength;
+    SubmittedMessage message;
+    return Read(reader, message);
 }
 
 std::string_view TextOf(PduFault fault) {
@@ -75,6 +65,13 @@ std::string_view TextOf(PduFault fault) {
         "well formed", "not as long as announced",          "no SMS-SUBMIT",
         "cut short",   "more than 140 octets of user data", "more user data than its length says"};
     return texts[static_cast<std::size_t>(fault)];
+}
+
+std::optional<SubmittedMessage> DecodeSubmit(std::string_view pdu) {
+    OctetReader reader(pdu);
+    SubmittedMessage message;
+    if (!SkipCentre(reader) || Read(reader, message) != PduFault::None) return std::nullopt;
+    return message;
 }
 
 }  // namespace varkel::sim
