@@ -112,7 +112,7 @@ Outcome ListMessages(Exchange& exchange) {
 }
 
 // The second parameter 1 to 4 deletes read; read and sent; these and unsent; all messages.
-Outcome DeleteMessage(Exchange& exchange) {
+Outcome DeleteMessages(Exchange& exchange) {
     const auto slot = exchange.command.Number(0);
     const auto which = exchange.command.Number(1, 0);
     MessageStore& store = exchange.modem.Sim().messages;
@@ -134,6 +134,20 @@ Outcome DeleteMessage(Exchange& exchange) {
     return Outcome::Ok();
 }
 
+Outcome DeleteMessage(Exchange& exchange) {
+    const Outcome outcome = DeleteMessages(exchange);
+    const bool room = outcome.kind == Outcome::Kind::Ok;
+    if (room && exchange.modem.onMessagesPossible) exchange.modem.onMessagesPossible(exchange.now);
+    return outcome;
+}
+
+// Whether a fault of that kind is still to happen; counts it.
+bool Happens(int& count) {
+    if (count == 0) return false;
+    --count;
+    return true;
+}
+
 Outcome SendPdu(Exchange& exchange, std::string_view text) {
     Modem& modem = exchange.modem;
     const auto pdu = BytesFromHex(Trimmed(text));
@@ -144,9 +158,10 @@ Outcome SendPdu(Exchange& exchange, std::string_view text) {
         return Outcome::Fault(Cms::InvalidPduParameter);
     }
     if (!modem.Network().Registered()) return Outcome::Fault(Cms::NoNetworkService);
-    if (modem.Hooks().sent) modem.Hooks().sent(*pdu);
+    if (Happens(modem.Config().messageFaults.fail)) return Outcome::Fault(Cms::NetworkTimeout);
+    if (modem.Hooks().sent) modem.Hooks().sent(*pdu, exchange.now);
     exchange.info.push_back("+CMGS: " + std::to_string(modem.NextMessageReference()));
-    return Outcome::Ok();
+    return Happens(modem.Config().messageFaults.noResult) ? Outcome::Silent() : Outcome::Ok();
 }
 
 Outcome SendMessage(Exchange& exchange) {
@@ -154,6 +169,7 @@ Outcome SendMessage(Exchange& exchange) {
     constexpr int longestPdu = 2 + 12 + 2 + 7 + 1 + static_cast<int>(longestUserData);
     const auto octets = exchange.command.Number(0);
     if (!octets || *octets < 1 || *octets > longestPdu) return Outcome::Fault(Cms::InvalidPduParameter);
+    if (Happens(exchange.modem.Config().messageFaults.noPrompt)) return Outcome::Silent();
     exchange.modem.announcedOctets = static_cast<std::size_t>(*octets);
     return Outcome::Prompt(SendPdu);
 }

@@ -17,10 +17,11 @@ constexpr ConsoleCommand helpConsole[] = {
     {"help", "[COMMAND]", "this list, or one line of it", Help},
 };
 
-using Tables = std::array<std::span<const ConsoleCommand>, 4>;
+using Tables = std::array<std::span<const ConsoleCommand>, 5>;
 
 Tables AllTables() {
-    return {UnitConsole(), LineConsole(), StateConsole(), std::span<const ConsoleCommand>(helpConsole)};
+    return {UnitConsole(), LineConsole(), MessageConsole(), StateConsole(),
+            std::span<const ConsoleCommand>(helpConsole)};
 }
 
 const ConsoleCommand* Find(std::string_view name) {

@@ -23,8 +23,9 @@ struct ConsoleCommand {
     CommandResult (*run)(SimulatedUnit& unit, std::string_view arguments, Millis now);
 };
 
-std::span<const ConsoleCommand> UnitConsole();   // power, SIM, network
-std::span<const ConsoleCommand> LineConsole();   // what happens on the serial line
+std::span<const ConsoleCommand> UnitConsole();  // power, SIM, network
+std::span<const ConsoleCommand> LineConsole();  // what happens on the serial line
+std::span<const ConsoleCommand> MessageConsole();
 std::span<const ConsoleCommand> StateConsole();  // phonebook, identity, looking at it all
 
 CommandResult RunConsoleCommand(SimulatedUnit& unit, std::string_view line, Millis now);

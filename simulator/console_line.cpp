@@ -49,6 +49,7 @@ CommandResult Late(SimulatedUnit& unit, std::string_view arguments, Millis) {
 CommandResult Calm(SimulatedUnit& unit, std::string_view arguments, Millis) {
     if (!arguments.empty()) return Usage("calm");
     unit.Line().Settings() = {};
+    unit.Config().messageFaults = {};
     return {};
 }
 
@@ -87,10 +88,10 @@ constexpr ConsoleCommand commands[] = {
     {"late", "TIME", "everything that the modem says arrives later", Late},
     {"lose", "P", "an answer does not arrive with probability P", Lose},
     {"double", "P", "an answer arrives twice with probability P", Double},
-    {"calm", "", "the line is free of faults again", Calm},
+    {"calm", "", "line and sending are free of faults again", Calm},
     {"urc", "TEXT", "the modem reports TEXT unasked", Urc},
     {"raw", "BYTES", "the modem sends exactly that; \\r \\n \\t \\\\ \\\" \\xHH", Raw},
-    {"ussd", "TEXT", "what the network answers to service codes", UssdAnswer},
+    {"ussd", "TEXT", "what the network answers to service codes, and to messages to 10086", UssdAnswer},
     {"ussd-ask", "TEXT", "the same, and it waits for a reply", UssdQuestion},
 };
 

@@ -142,7 +142,8 @@ std::string SimState(SimulatedUnit& unit) {
            ", PIN tries " + std::to_string(sim.Tries(SimCode::Pin)) + ", PUK tries " +
            std::to_string(sim.Tries(SimCode::Puk)) + ", " + std::to_string(sim.phonebook.Used()) + " of " +
            std::to_string(sim.phonebook.Slots()) + " entries, " + std::to_string(sim.messages.Used()) +
-           " of " + std::to_string(sim.messages.Slots()) + " messages";
+           " of " + std::to_string(sim.messages.Slots()) + " messages, " +
+           std::to_string(unit.Messages().Waiting()) + " waiting";
 }
 
 std::string NetworkState(SimulatedUnit& unit) {

@@ -30,4 +30,8 @@ void MessageStore::Delete(int slot) {
     if (Has(slot)) m_messages[static_cast<std::size_t>(slot - 1)].reset();
 }
 
+void MessageStore::Clear() {
+    std::fill(m_messages.begin(), m_messages.end(), std::nullopt);
+}
+
 }  // namespace varkel::sim

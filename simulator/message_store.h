@@ -28,6 +28,7 @@ class MessageStore {
     // The slot that took it; nothing when all are full.
     std::optional<int> Add(StoredMessage message);
     void Delete(int slot);
+    void Clear();
 
     static constexpr int mostSlots = 255;
 

@@ -142,12 +142,11 @@ void Modem::Unsolicited(std::string_view text, Millis now) {
     Say(text);
 }
 
-bool Modem::Deliver(std::string_view pdu, Millis now) {
-    if (m_simPhase != SimPhase::Ready || !m_radio.Registered()) return false;
+std::optional<int> Modem::Deliver(std::string_view pdu, Millis now) {
+    if (!Reachable()) return std::nullopt;
     const auto slot = m_sim.messages.Add({MessageStatus::Unread, std::string(pdu)});
-    if (!slot) return false;
-    if (m_settings.messageReports == 1) Unsolicited("+CMTI: \"SM\"," + std::to_string(*slot), now);
-    return true;
+    if (slot && m_settings.messageReports == 1) Unsolicited("+CMTI: \"SM\"," + std::to_string(*slot), now);
+    return slot;
 }
 
 void Modem::RequestUssd(Millis now) {
@@ -174,6 +173,7 @@ void Modem::OnRegistration(Millis now) {
         m_call = {};
         Unsolicited("NO CARRIER", now);
     }
+    if (Reachable() && onMessagesPossible) onMessagesPossible(now);
 }
 
 void Modem::Say(std::string_view text) const {

@@ -35,7 +35,7 @@ struct ModemHooks {
     // Every command line as it was taken, and every text that was entered behind a prompt.
     std::function<void(std::string_view)> command;
     // A message that went out: its PDU in octets.
-    std::function<void(std::string_view)> sent;
+    std::function<void(std::string_view, Millis)> sent;
 };
 
 // Echo, command lines and answers after ITU-T V.250. Bytes that come while a command is being carried out
@@ -59,8 +59,12 @@ class Modem {
     void SimMoved(Millis now);
     // Sends an unsolicited result code, framed as one.
     void Unsolicited(std::string_view text, Millis now);
-    // A message comes from the network; false when the SIM cannot take it.
-    bool Deliver(std::string_view pdu, Millis now);
+    // Messages can be delivered: the SIM is ready and the module registered.
+    bool Reachable() const { return m_simPhase == SimPhase::Ready && m_radio.Registered(); }
+    // A message comes from the network; the slot that took it, nothing when none could.
+    std::optional<int> Deliver(std::string_view pdu, Millis now);
+    // Called when the module has come into reach, and when a message was deleted.
+    std::function<void(Millis)> onMessagesPossible;
 
     Radio& Network() { return m_radio; }
     Call& CurrentCall() { return m_call; }

@@ -106,7 +106,7 @@ void Modem::FinishLine(Millis now) {
 void Modem::FinishEntry(Millis now) {
     const std::string text = std::exchange(m_line, {});
     if (m_hooks.command) m_hooks.command(text);
-    BusyFor(m_config.times.send, now, [this, text](Millis then) {
+    BusyFor(m_config.times.send + m_config.messageFaults.late, now, [this, text](Millis then) {
         const AtCommand none;
         Exchange exchange{*this, none, then, {}};
         const Outcome outcome = m_entry.entered(exchange, text);
@@ -151,9 +151,13 @@ Outcome Modem::Execute(const std::vector<AtCommand>& commands, std::string& answ
 
 void Modem::Conclude(std::string_view asked, std::string answer, const Outcome& outcome, Millis now) {
     const bool prompt = outcome.kind == Outcome::Kind::Prompt;
-    answer += prompt ? "\r\n> " : "\r\n" + FinalResult(outcome, m_settings.errors) + "\r\n";
+    if (outcome.kind == Outcome::Kind::Silent) {
+        answer.clear();
+    } else {
+        answer += prompt ? "\r\n> " : "\r\n" + FinalResult(outcome, m_settings.errors) + "\r\n";
+    }
     m_wire.Send(answer, Burst::Answer, now);
-    if (m_hooks.say) Say(Shown(asked) + " -> " + Visible(answer));
+    if (m_hooks.say) Say(Shown(asked) + " -> " + (answer.empty() ? "(silence)" : Visible(answer)));
     m_mode = prompt ? Mode::Entry : Mode::Line;
     m_holding = prompt;
     m_entry = outcome;

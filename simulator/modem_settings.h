@@ -7,6 +7,7 @@
 
 #include "simulator/charset.h"
 #include "simulator/millis.h"
+#include "simulator/network_clock.h"
 
 namespace varkel::sim {
 
@@ -60,6 +61,14 @@ enum class StartIndication {
     Never,
 };
 
+// What the next messages that the program sends come to; a count goes down with each of them.
+struct MessageFaults {
+    int noPrompt = 0;  // the command is swallowed: no prompt, no result
+    int fail = 0;      // the network does not take the message
+    int noResult = 0;  // the network takes it, and the module says nothing
+    Millis late = 0;   // every result comes this much later
+};
+
 struct ModemConfig {
     ModemTimes times;
     StartIndication indication = StartIndication::Honest;
@@ -70,6 +79,8 @@ struct ModemConfig {
     std::string ussdAnswer = "Balance: 42.00";
     bool ussdAsksBack = false;
     int signal = 18;
+    MessageFaults messageFaults;
+    NetworkClock clock;
 };
 
 }  // namespace varkel::sim

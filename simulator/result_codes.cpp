@@ -36,7 +36,7 @@ constexpr CodeText cmeTexts[] = {
 
 constexpr CodeText cmsTexts[] = {
     {302, "operation not allowed"}, {303, "operation not supported"}, {304, "invalid PDU mode parameter"},
-    {321, "invalid memory index"},  {331, "no network service"},
+    {321, "invalid memory index"},  {331, "no network service"},      {332, "network timeout"},
 };
 
 std::string ErrorText(std::string_view kind, std::span<const CodeText> texts, int code, int errors) {
@@ -59,7 +59,8 @@ std::string FinalResult(const Outcome& outcome, int errors) {
         case Outcome::Kind::Cms: return ErrorText("CMS", cmsTexts, outcome.code, errors);
         case Outcome::Kind::NoCarrier: return "NO CARRIER";
         case Outcome::Kind::Error:
-        case Outcome::Kind::Prompt: break;
+        case Outcome::Kind::Prompt:
+        case Outcome::Kind::Silent: break;
     }
     return "ERROR";
 }

@@ -37,12 +37,13 @@ enum class Cms {
     InvalidPduParameter = 304,
     InvalidMemoryIndex = 321,
     NoNetworkService = 331,
+    NetworkTimeout = 332,
 };
 
 struct Exchange;
 
 struct Outcome {
-    enum class Kind { Ok, Error, Cme, Cms, NoCarrier, Prompt };
+    enum class Kind { Ok, Error, Cme, Cms, NoCarrier, Prompt, Silent };
 
     Kind kind = Kind::Ok;
     int code = 0;
@@ -54,6 +55,8 @@ struct Outcome {
     static Outcome Fault(Cme code) { return {Kind::Cme, static_cast<int>(code)}; }
     static Outcome Fault(Cms code) { return {Kind::Cms, static_cast<int>(code)}; }
     static Outcome NoCarrier() { return {Kind::NoCarrier}; }
+    // Nothing is answered, not even the lines that are ready.
+    static Outcome Silent() { return {Kind::Silent}; }
     static Outcome Prompt(Outcome (*entered)(Exchange&, std::string_view)) {
         return {Kind::Prompt, 0, entered};
     }

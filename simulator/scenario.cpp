@@ -96,6 +96,8 @@ class ScenarioParser {
         m_trial.SetVanished(false);
         m_trial.SetUsbDown(false);
         m_trial.SetModulePower(true, m_time);
+        m_trial.Messages().ForgetWaiting();
+        m_trial.Sim().messages.Clear();
         m_time += trialTime;
         return m_trial.Command(command, m_time);
     }

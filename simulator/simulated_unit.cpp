@@ -4,13 +4,20 @@
 
 namespace varkel::sim {
 
+std::string_view NameOf(Voice voice) {
+    constexpr std::string_view names[] = {"modem", "unit", "network"};
+    return names[static_cast<std::size_t>(voice)];
+}
+
 SimulatedUnit::SimulatedUnit(const UnitConfig& config, std::uint64_t seed)
     : m_config(config.modem),
       m_head(config.head),
       m_sim(config.sim),
       m_wire(seed),
-      m_modem(m_config, m_sim, m_agenda, m_wire, m_modemHooks, ~seed) {
+      m_modem(m_config, m_sim, m_agenda, m_wire, m_modemHooks, ~seed),
+      m_centre(m_modem, m_agenda, m_config) {
     m_wire.Settings() = config.faults;
+    SetHooks({});
 }
 
 void SimulatedUnit::SetHooks(UnitHooks hooks) {
@@ -18,7 +25,14 @@ void SimulatedUnit::SetHooks(UnitHooks hooks) {
     m_modemHooks = {};
     if (m_hooks.say) m_modemHooks.say = [this](std::string_view text) { m_hooks.say(Voice::Modem, text); };
     m_modemHooks.command = m_hooks.command;
-    m_modemHooks.sent = m_hooks.sent;
+    m_modemHooks.sent = [this](std::string_view pdu, Millis now) {
+        if (m_hooks.sent) m_hooks.sent(pdu);
+        m_centre.OnSent(pdu, now);
+    };
+    MessageCentreHooks centreHooks;
+    if (m_hooks.say) centreHooks.say = [this](std::string_view text) { m_hooks.say(Voice::Network, text); };
+    centreHooks.sent = m_hooks.message;
+    m_centre.SetHooks(std::move(centreHooks));
 }
 
 void SimulatedUnit::HostWrites(std::string_view bytes, Millis now) {

@@ -11,6 +11,7 @@
 #include "simulator/agenda.h"
 #include "simulator/console.h"
 #include "simulator/head_unit.h"
+#include "simulator/message_centre.h"
 #include "simulator/modem.h"
 #include "simulator/sim_card.h"
 #include "simulator/wire.h"
@@ -24,15 +25,17 @@ struct UnitConfig {
     Faults faults;
 };
 
-// Whose line it is: "modem: AT+CSQ -> +CSQ: 18,99 | OK" or "unit: module powered".
-enum class Voice { Modem, Unit };
+// Whose line it is: "modem: AT+CSQ -> +CSQ: 18,99 | OK", "unit: module powered" or "network: message to ...".
+enum class Voice { Modem, Unit, Network };
+std::string_view NameOf(Voice voice);
 
 struct UnitHooks {
     std::function<void(Voice, std::string_view)> say;
     // Every command line, or text behind a prompt, that the modem took.
     std::function<void(std::string_view)> command;
-    // The PDU of a message that the modem sent, in octets.
+    // The PDU of a message that the modem sent, in octets; and what it says.
     std::function<void(std::string_view)> sent;
+    std::function<void(const SubmittedMessage&)> message;
     // RestartMachine was called: the module is off already, the programs of the unit are to start anew.
     std::function<void()> restart;
 };
@@ -69,6 +72,7 @@ class SimulatedUnit {
     SimCard& Sim() { return m_sim; }
     HeadUnit& Head() { return m_head; }
     Wire& Line() { return m_wire; }
+    MessageCentre& Messages() { return m_centre; }
     ModemConfig& Config() { return m_config; }
 
     void SetModulePower(bool on, Millis now);
@@ -97,6 +101,7 @@ class SimulatedUnit {
     UnitHooks m_hooks;
     ModemHooks m_modemHooks;
     Modem m_modem;
+    MessageCentre m_centre;
     bool m_vanished = false;
     bool m_usbDown = false;
 };

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
@@ -23,6 +24,11 @@ constexpr int notFound = 127;
 
 UnitConfig ConfigFor(const ProgramOptions& options) {
     UnitConfig config;
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    constexpr int quarterHour = 15 * 60;
+    config.modem.clock = {now, static_cast<int>(local.tm_gmtoff / quarterHour)};
     if (!options.pin.empty()) {
         config.sim.pinRequest = true;
         config.sim.codes[static_cast<std::size_t>(SimCode::Pin)] = options.pin;
@@ -37,7 +43,7 @@ SimulatorProgram::SimulatorProgram(ProgramOptions options)
     UnitHooks hooks;
     hooks.say = [this](Voice voice, std::string_view text) {
         const bool modem = voice == Voice::Modem;
-        Tell((modem ? "modem: " : "unit: ") + std::string(text), !(modem && m_options.quiet));
+        Tell(std::string(NameOf(voice)) + ": " + std::string(text), !(modem && m_options.quiet));
     };
     hooks.restart = [this] { RestartUnit(); };
     m_unit.SetHooks(std::move(hooks));

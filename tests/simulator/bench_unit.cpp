@@ -7,9 +7,13 @@ namespace varkel::sim::test {
 
 BenchUnit::BenchUnit(const UnitConfig& config, std::uint64_t seed) : unit(config, seed) {
     UnitHooks hooks;
-    hooks.say = [this](Voice, std::string_view text) { said.emplace_back(text); };
+    hooks.say = [this](Voice voice, std::string_view text) {
+        said.emplace_back(text);
+        if (voice == Voice::Network) networkSaid.emplace_back(text);
+    };
     hooks.command = [this](std::string_view text) { commands.emplace_back(text); };
     hooks.sent = [this](std::string_view pdu) { sent.emplace_back(pdu); };
+    hooks.message = [this](const SubmittedMessage& message) { messages.push_back(message); };
     hooks.restart = [this] { ++restarts; };
     unit.SetHooks(std::move(hooks));
 }

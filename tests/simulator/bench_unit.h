@@ -30,7 +30,9 @@ class BenchUnit {
     Millis now = 1000;
     std::vector<std::string> commands;  // that the modem took
     std::vector<std::string> said;
-    std::vector<std::string> sent;  // PDUs
+    std::vector<std::string> networkSaid;  // that part of `said`
+    std::vector<std::string> sent;         // PDUs
+    std::vector<SubmittedMessage> messages;
     int restarts = 0;
 };
 

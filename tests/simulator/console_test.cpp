@@ -76,7 +76,7 @@ TEST(Console, ExplainsWhatItDoesNotUnderstand) {
 TEST(Console, HelpsWithEveryCommand) {
     BenchUnit bench;
     const std::string help = bench.unit.Command("help", bench.now).text;
-    for (const auto table : {UnitConsole(), LineConsole(), StateConsole()}) {
+    for (const auto table : {UnitConsole(), LineConsole(), MessageConsole(), StateConsole()}) {
         for (const ConsoleCommand& command : table) {
             EXPECT_NE(help.find("\n" + std::string(command.name) + " "), help.find(command.name))
                 << command.name;

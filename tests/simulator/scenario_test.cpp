@@ -58,6 +58,11 @@ TEST(ScenarioFile, NamesTheLineOfEveryMistake) {
         EXPECT_EQ(scenario.errors[0].substr(0, 8), "line 2: ") << scenario.errors[0];
         EXPECT_EQ(scenario.steps.size(), 1u);
     }
+    std::string messages;
+    for (int i = 0; i < 300; ++i)
+        messages += "sms-burst 100\n";
+    EXPECT_TRUE(ParseScenario(messages).errors.empty())
+        << "what one line leaves is not in the next one's way";
     std::string many;
     for (int i = 0; i < 20'000; ++i)
         many += "sim maybe\n";
