@@ -1,7 +1,6 @@
 #include "platform/linux/iconv_code_page.h"
 
 #include <algorithm>
-#include <bit>
 #include <iconv.h>
 #include <optional>
 
@@ -84,7 +83,7 @@ class Conversion {
 class IconvCodePage::Builder {
   public:
     Builder(const std::string& name, IconvCodePage& page)
-        : m_page(page), m_toWide(utf16, name.c_str()), m_toNarrow(name.c_str(), utf16) {}
+        : m_page(page), m_toWide(wideName, name.c_str()), m_toNarrow(name.c_str(), wideName) {}
 
     // False when the page cannot be held.
     bool Build() {
@@ -99,7 +98,8 @@ class IconvCodePage::Builder {
     }
 
   private:
-    static constexpr const char* utf16 = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
+    // A char32_t of this machine. It needs no file of the C library, and so ASCII can always be had.
+    static constexpr const char* wideName = "WCHAR_T";
 
     bool HoldsAscii() {
         for (unsigned byte = 1; byte < 0x80; ++byte) {
@@ -111,16 +111,15 @@ class IconvCodePage::Builder {
 
     // The codes of all characters up to U+FFFF.
     bool TakeUnits() {
-        for (std::uint32_t value = 1; value <= 0xFFFF; ++value) {
+        for (char32_t value = 1; value <= 0xFFFF; ++value) {
             if (IsHighSurrogate(value) || IsLowSurrogate(value)) continue;
-            const auto unit = static_cast<char16_t>(value);
-            const auto code = m_toNarrow.Convert<char16_t>(std::span(&unit, 1));
-            if (code && !TakeCode(unit, *code)) return false;
+            const auto code = m_toNarrow.Convert<char32_t>(std::span(&value, 1));
+            if (code && !TakeCode(value, *code)) return false;
         }
         return true;
     }
 
-    bool TakeCode(char16_t unit, std::span<const unsigned char> code) {
+    bool TakeCode(char32_t unit, std::span<const unsigned char> code) {
         switch (code.size()) {
             case 1: m_page.m_narrow[unit] = code[0]; return true;
             case 2:
@@ -167,15 +166,12 @@ class IconvCodePage::Builder {
 
     // The one character that the bytes are; 0 when they are anything else.
     char32_t WideOf(std::initializer_list<unsigned char> bytes) {
-        const auto units = m_toWide.Convert<unsigned char>(std::span(bytes.begin(), bytes.size()));
-        if (!units) return 0;
-        if (units->size() == 1) return (*units)[0];
-        if (units->size() != 2 || !IsHighSurrogate((*units)[0])) return 0;
-        return 0x10000 + (((*units)[0] - 0xD800u) << 10) + ((*units)[1] - 0xDC00u);
+        const auto wide = m_toWide.Convert<unsigned char>(std::span(bytes.begin(), bytes.size()));
+        return wide && wide->size() == 1 ? (*wide)[0] : 0;
     }
 
     IconvCodePage& m_page;
-    Conversion<char16_t> m_toWide;
+    Conversion<char32_t> m_toWide;
     Conversion<unsigned char> m_toNarrow;
 };
 
