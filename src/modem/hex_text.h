@@ -19,8 +19,8 @@ std::size_t HexToBytes(std::string_view hex, std::span<std::uint8_t> bytes);
 // The octet that two characters stand for, by the same rule.
 constexpr std::uint8_t HexOctet(char high, char low) {
     const auto value = [](char c) {
-        const auto code = static_cast<unsigned char>(c);
-        return static_cast<unsigned>(code - (c >= '0' && c <= '9' ? '0' : 'A' - 10));
+        const unsigned code = static_cast<unsigned char>(c);
+        return code - (code - '0' < 10 ? '0' : 'A' - 10);
     };
     return static_cast<std::uint8_t>(value(high) * 16 + value(low));
 }

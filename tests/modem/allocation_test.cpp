@@ -1,5 +1,5 @@
-// The receive path allocates nothing but the chunk itself. Not under a sanitizer, which has an allocator of
-// its own.
+// The receive path allocates nothing but the chunk itself, and the message codec nothing at all. Not under a
+// sanitizer, which has an allocator of its own.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 #include <cstdlib>
@@ -7,6 +7,8 @@
 #include <new>
 
 #include "modem/at_channel.h"
+#include "modem/sms_pdu.h"
+#include "tests/support/code_pages.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/memory_windows.h"
 #include "tests/support/recorded_notices.h"
@@ -57,6 +59,26 @@ TEST(Allocation, IsNotNeededToParseAChunk) {
             channel.ProcessRcv(chunk);
     }
     EXPECT_EQ(allocations - before, 0u);
+}
+
+TEST(Allocation, IsNotNeededToEncodeOrDecodeAMessage) {
+    const CodePage& page = CodePageNamed("GB18030");
+    const std::string_view received[] = {
+        "0891683108100005F0240D91683108108300F000089080412100002304866B64AD",
+        "0891683108100005F0240D91683108108300F00000908041210000230AE8329BFD4697D9EC37\r\n",
+        "0891683108100005F0240D91683108108300F000049080412100002303B3E67A"};
+    const std::size_t before = allocations;
+    std::size_t characters = 0;
+    for (const std::string_view hex : received) {
+        SmsPduRecord record;
+        characters += DecodeDeliverPdu(page, hex, record);
+        FixedText<512> pdu;
+        characters += EncodeSubmitPdu(page, record, pdu);
+        SmsPduRecord made;
+        characters += MakeSubmitRecord(page, "+1", "2", record.TP_UD.View(), made) == ValueFault::None;
+    }
+    EXPECT_EQ(allocations - before, 0u);
+    EXPECT_GT(characters, 100u);
 }
 
 }  // namespace
