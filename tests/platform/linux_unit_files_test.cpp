@@ -41,6 +41,13 @@ TEST_F(LinuxUnitFilesTest, FindsFilesInAnyCaseAndSpelling) {
     EXPECT_EQ(files.ReadWhole("NandFlash\\System\\Phone\\InboxMs.msm", 2), std::nullopt) << "too large";
     EXPECT_EQ(files.ReadWhole("NandFlash\\System\\Phone\\InboxMs.msm", 3), "two");
     EXPECT_EQ(files.ReadWhole("NandFlash\\System\\Phone", 100), std::nullopt) << "a directory";
+    std::string bytes = "?";
+    EXPECT_EQ(files.Read("NandFlash\\System\\Phone\\none", 100, bytes), FileRead::Missing);
+    EXPECT_EQ(files.Read("NandFlash\\none\\none", 100, bytes), FileRead::Missing);
+    EXPECT_EQ(files.Read("NandFlash\\System\\Phone\\InboxMs.msm", 2, bytes), FileRead::TooLarge);
+    EXPECT_EQ(files.Read("NandFlash\\System\\Phone", 100, bytes), FileRead::Failed);
+    EXPECT_EQ(files.Read("NandFlash\\System\\Phone\\InboxMs.msm\\x", 2, bytes), FileRead::Failed);
+    EXPECT_EQ(bytes, "");
     EXPECT_FALSE(files.CreateDirectory("NandFlash\\System\\Phone\\InboxMs.msm")) << "a file";
     EXPECT_FALSE(files.CreateDirectory("NandFlash\\a\\b")) << "only the last name is made";
     EXPECT_FALSE(files.WriteWhole("NandFlash\\a\\b", "x"));
@@ -130,7 +137,8 @@ TEST_F(LinuxUnitFilesTest, AFailedWriteLeavesTheOldFile) {
     log.reset();
     setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(files.ReadWhole("NandFlash\\list", 100), "old");
-    EXPECT_EQ(std::distance(fs::directory_iterator(root + "/NandFlash"), {}), 2) << "nothing is left over";
+    EXPECT_EQ(std::distance(fs::directory_iterator(root + "/NandFlash"), {}), 3)
+        << "list, log and reserve: nothing is left over";
     EXPECT_EQ(test::OpenDescriptors(), descriptors);
     EXPECT_TRUE(files.WriteWhole("NandFlash\\list", large)) << "and the next write works";
     EXPECT_EQ(files.ReadWhole("NandFlash\\list", 5000), large);

@@ -24,27 +24,35 @@ class MemoryFiles final : public UnitFiles {
         return m_files.contains(Key(path)) || m_directories.contains(Key(path));
     }
 
-    std::optional<std::string> ReadWhole(std::string_view path, std::size_t limit) override {
+    FileRead Read(std::string_view path, std::size_t limit, std::string& bytes) override {
         std::lock_guard lock(m_mutex);
+        bytes.clear();
+        if (refuseToRead) return FileRead::Failed;
         const auto found = m_files.find(Key(path));
-        if (found == m_files.end() || found->second.size() > limit) return std::nullopt;
-        return found->second;
+        if (found == m_files.end()) return FileRead::Missing;
+        if (found->second.size() > limit) return FileRead::TooLarge;
+        bytes = found->second;
+        return FileRead::Whole;
     }
 
     bool WriteWhole(std::string_view path, std::string_view bytes) override {
         std::lock_guard lock(m_mutex);
+        ++writes;
+        if (refuseToWrite) return false;
         m_files[Key(path)] = bytes;
         return true;
     }
 
     std::unique_ptr<AppendFile> StartFile(std::string_view path) override {
         if (refuseToStart) return nullptr;
-        WriteWhole(path, "");
+        std::lock_guard lock(m_mutex);
+        m_files[Key(path)].clear();
         return std::make_unique<Appender>(*this, Key(path));
     }
 
     bool Rename(std::string_view from, std::string_view to) override {
         std::lock_guard lock(m_mutex);
+        if (refuseToWrite) return false;
         auto file = m_files.extract(Key(from));
         if (!file) return false;
         m_files[Key(to)] = std::move(file.mapped());
@@ -60,6 +68,9 @@ class MemoryFiles final : public UnitFiles {
     }
 
     bool refuseToStart = false;
+    bool refuseToRead = false;
+    bool refuseToWrite = false;
+    int writes = 0;  // calls of WriteWhole
     std::uint64_t freeBytes = 64 * 1024 * 1024;
 
   private:

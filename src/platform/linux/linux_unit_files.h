@@ -21,19 +21,19 @@ class LinuxUnitFiles final : public UnitFiles {
 
     bool CreateDirectory(std::string_view path) override;
     bool Exists(std::string_view path) override;
-    std::optional<std::string> ReadWhole(std::string_view path, std::size_t limit) override;
+    FileRead Read(std::string_view path, std::size_t limit, std::string& bytes) override;
     bool WriteWhole(std::string_view path, std::string_view bytes) override;
     std::unique_ptr<AppendFile> StartFile(std::string_view path) override;
     bool Rename(std::string_view from, std::string_view to) override;
     std::optional<std::uint64_t> GetDiskFreeSpace(std::string_view volume) override;
 
   private:
-    // Where the existing file stands, below the root or among the assets.
-    std::optional<PlacedFile> Find(std::string_view path) const;
+    // Where the file stands, below the root or among the assets.
+    PlacedFile Find(std::string_view path) const;
 
     const UnitDirectory m_root;
     const UnitDirectory m_assets;
-    std::mutex m_writing;  // one WriteWhole at a time: they share the name of the file that they prepare
+    std::mutex m_writing;  // one WriteWhole at a time: they share a directory's reserve
 };
 
 }  // namespace varkel

@@ -1,7 +1,6 @@
 // Names inside a directory, found without regard to case and never outside of it.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,11 +8,21 @@
 
 namespace varkel {
 
-// Where a file stands or would stand: its open directory and its name in there.
+enum class Presence {
+    There,
+    Missing,
+    Unknown,  // the system did not tell, or the name may not be used
+};
+
+// Where a file stands or would stand: its open directory and its name in there. Without a directory when one
+// on the way is missing or cannot be read; the file is then Missing or Unknown.
 struct PlacedFile {
     FileDescriptor directory;
     std::string name;
-    bool exists = false;
+    Presence presence = Presence::Unknown;
+
+    explicit operator bool() const { return bool(directory); }
+    bool Exists() const { return presence == Presence::There; }
 };
 
 // Whether missing directories are made on the way.
@@ -28,9 +37,9 @@ class UnitDirectory {
     // Makes the root for the user alone.
     bool MakeRoot() const;
 
-    // The place of the last of `names`. Nothing when a directory on the way is missing; the first one, which
-    // is the volume, can be made. Without names nothing is found.
-    std::optional<PlacedFile> Place(const std::vector<std::string>& names, MissingVolume missing) const;
+    // The place of the last of `names`. The first one, which is the volume, can be made on the way. Without
+    // names nothing is known.
+    PlacedFile Place(const std::vector<std::string>& names, MissingVolume missing) const;
 
     // Opens what stands at a place, with these flags; never through a link.
     static FileDescriptor Open(const PlacedFile& place, int flags);
