@@ -1,0 +1,146 @@
+// Every call to the system fails in its turn, once or from then on.
+#include <cerrno>
+#include <functional>
+#include <gtest/gtest.h>
+
+#include "tests/stores/box_fixture.h"
+#include "tests/stores/disk_double.h"
+
+namespace varkel::test {
+namespace {
+
+struct Operation {
+    const char* name;
+    std::function<StoreResult(MessageBox&, const MessageBox::List&)> run;
+    MessageBox::List after;
+};
+
+const MessageBox::List before = Messages(1, 10);
+
+std::vector<Operation> Operations() {
+    MessageBox::List appended = Messages(1, 11);
+    MessageBox::List deleted = before;
+    deleted.erase(deleted.begin() + 7);
+    MessageBox::List marked = before;
+    marked[7].Index = SmsState::Opened;
+    using List = MessageBox::List;
+    return {
+        {"append", [](MessageBox& box, const List&) { return box.Append(Message(11)); }, appended},
+        {"delete", [](MessageBox& box, const List& shown) { return box.Delete(shown, 2); }, deleted},
+        {"mark read", [](MessageBox& box, const List& shown) { return box.MarkRead(shown, 2); }, marked},
+        {"delete all", [](MessageBox& box, const List&) { return box.DeleteAll(); }, {}},
+    };
+}
+
+class DiskFaults : public testing::Test {
+  protected:
+    // Runs the operation with the fault; false when the operation ended before the faulty call.
+    bool Run(const Operation& operation, DiskFault fault, bool reserve) {
+        SCOPED_TRACE(testing::Message() << operation.name << ", call " << fault.first << " fails with "
+                                        << fault.error << (fault.forEver ? " for ever" : " once")
+                                        << (reserve ? ", with reserve" : ", without reserve"));
+        // A box whose name is spelt otherwise is found by listing the directory.
+        const std::string name = reserve ? "InboxMs.msm" : "INBOXMS.MSM";
+        std::map<std::string, std::string> content{{name, BytesOf(before)}, {"OutboxMs.msm", "other"}};
+        if (reserve) content["reserve~"] = std::string(64 * 1024, '\0');
+        disk.Put(content);
+        const auto descriptors = OpenDescriptors();
+        int calls = 0;
+        {
+            DiskDouble faults(disk.directory);
+            faults.Fail(fault);
+            const StoreResult result = operation.run(box, before);
+            calls = faults.Calls();
+            faults.Fail({});
+            Judge(result, box.FindSmsRecord(), operation);
+        }
+        EXPECT_EQ(OpenDescriptors(), descriptors);
+        EXPECT_EQ(FileContent(disk.directory + "/OutboxMs.msm"), "other");
+        for (const auto& [left, bytes] : disk.Content())
+            EXPECT_TRUE(content.contains(left) || left.ends_with('~')) << left;
+        MessageBox::List list = box.FindSmsRecord();
+        list.push_back(Message(12));
+        EXPECT_EQ(box.Append(Message(12)), StoreResult::Done) << "the next one works";
+        EXPECT_EQ(BytesOf(box.FindSmsRecord()), BytesOf(list));
+        return calls >= fault.first;
+    }
+
+    static void Judge(StoreResult result, const MessageBox::List& list, const Operation& operation) {
+        const bool isOld = BytesOf(list) == BytesOf(before);
+        const bool isNew = BytesOf(list) == BytesOf(operation.after);
+        switch (result) {
+            case StoreResult::Done: EXPECT_TRUE(isNew); break;
+            // When it is only the directory that was not synced, the new list stands there.
+            case StoreResult::WriteFailed: EXPECT_TRUE(isOld || isNew); break;
+            case StoreResult::Unreadable: EXPECT_TRUE(isOld); break;
+            default: ADD_FAILURE() << "result " << static_cast<int>(result); break;
+        }
+    }
+
+    void FailEveryCall(int error, bool forEver) {
+        for (const Operation& operation : Operations()) {
+            for (const bool reserve : {false, true}) {
+                int call = 1;
+                while (Run(operation, {call, forEver, error}, reserve) && !HasFailure())
+                    ++call;
+                EXPECT_GT(call, 20) << "so many calls make an update";
+            }
+        }
+    }
+
+    BoxesOnDisk disk;
+    MessageBox& box = disk.boxes.inbox;
+};
+
+TEST_F(DiskFaults, OfOneCallLeaveOldOrNewList) {
+    for (const int error : {EIO, ENOSPC, EINTR, 0})
+        FailEveryCall(error, false);
+}
+
+TEST_F(DiskFaults, FromOneCallOnLeaveOldOrNewList) {
+    for (const int error : {EIO, ENOSPC, 0})
+        FailEveryCall(error, true);
+}
+
+// Whatever fails while it is read, an existing box is never taken for a missing one and written over.
+TEST_F(DiskFaults, OnReadingGiveTheListOrNone) {
+    disk.Put({{"InboxMs.msm", BytesOf(before)}});
+    for (int call = 1, calls = call; call <= calls; ++call) {
+        DiskDouble faults(disk.directory);
+        faults.Fail({call, false, EIO});
+        const MessageBox::List list = box.FindSmsRecord();
+        calls = faults.Calls();
+        EXPECT_TRUE(list.empty() || BytesOf(list) == BytesOf(before)) << "call " << call;
+    }
+}
+
+TEST_F(DiskFaults, WithoutAnyRoomOnlyAppendingFails) {
+    for (const Operation& operation : Operations()) {
+        disk.Put({{"InboxMs.msm", BytesOf(before)}});
+        EXPECT_EQ(box.Append(Message(12)), StoreResult::Done) << "makes the reserve";
+        EXPECT_EQ(box.Delete(box.FindSmsRecord(), 0), StoreResult::Done);
+        DiskDouble faults(disk.directory);
+        faults.SetRoom(0);
+        const bool append = operation.name == std::string("append");
+        EXPECT_EQ(operation.run(box, before), append ? StoreResult::VolumeFull : StoreResult::Done);
+        EXPECT_EQ(BytesOf(box.FindSmsRecord()), BytesOf(append ? before : operation.after)) << operation.name;
+        while (box.Count() > 0)
+            ASSERT_EQ(box.Delete(box.FindSmsRecord(), 0), StoreResult::Done) << "one by one";
+    }
+}
+
+TEST_F(DiskFaults, TheReserveIsAsLargeAsTheLargestFileNeeds) {
+    const std::string path = "NandFlash\\System\\Phone\\dialcall.msm";
+    const std::string large(150'000, 'd');
+    EXPECT_TRUE(disk.files.WriteWhole(path, large));
+    EXPECT_TRUE(disk.files.WriteWhole("NandFlash\\System\\Phone\\small", "123"));
+    DiskDouble faults(disk.directory);
+    faults.SetRoom(0);
+    EXPECT_FALSE(disk.files.WriteWhole(path, large + "d")) << "longer than before";
+    EXPECT_TRUE(disk.files.WriteWhole("NandFlash\\System\\Phone\\small", "12"));
+    EXPECT_TRUE(disk.files.WriteWhole(path, large.substr(100)));
+    EXPECT_EQ(FileContent(disk.directory + "/dialcall.msm"), large.substr(100));
+}
+
+}  // namespace
+}  // namespace varkel::test
