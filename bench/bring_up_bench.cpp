@@ -19,6 +19,7 @@
 #include "tests/support/memory_windows.h"
 #include "tests/support/real_unit.h"
 #include "tests/support/recorded_notices.h"
+#include "tests/support/recorded_sound.h"
 #include "tests/support/scripted_screens.h"
 
 namespace {
@@ -39,11 +40,23 @@ Ticks OpenOnce(const std::string& directory) {
     RealUnit unit(runtime, 1, directory + "/ttyModem", {});
     TtySerialPort serial(runtime, [&unit](std::string_view) { return unit.Link(); }, {});
     MemoryProcesses processes(runtime);
+    RecordedSound sound;
     RecordedNotices notices;
     const Language language(files, "english");
     ScriptedScreens screens(runtime);
-    Platform platform{runtime, loop,  serial,    *registry, objects,  windows,
-                      unit,    files, processes, notices,   language, CodePageNamed("GB18030"),
+    Platform platform{runtime,
+                      loop,
+                      serial,
+                      *registry,
+                      objects,
+                      windows,
+                      unit,
+                      files,
+                      processes,
+                      sound,
+                      notices,
+                      language,
+                      CodePageNamed("GB18030"),
                       log};
     Ticks took = 0;
     {

@@ -1,6 +1,6 @@
 # Installs the Debian packages that a command needs. To be sourced.
 
-packages_build="g++ cmake ninja-build pkg-config libsqlite3-dev libsystemd-dev libcli11-dev libgtest-dev libgmock-dev"
+packages_build="g++ cmake ninja-build pkg-config libsdl2-dev libsqlite3-dev libsystemd-dev libcli11-dev libgtest-dev libgmock-dev"
 packages_run="dbus-daemon"
 packages_check="libbenchmark-dev dbus-daemon util-linux"
 

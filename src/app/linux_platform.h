@@ -11,6 +11,7 @@
 #include "platform/linux/linux_runtime.h"
 #include "platform/linux/linux_unit_files.h"
 #include "platform/linux/problem_sink.h"
+#include "platform/linux/sdl_sound.h"
 #include "platform/linux/shm_named_objects.h"
 #include "platform/linux/sqlite_registry.h"
 #include "platform/linux/tty_serial_port.h"
@@ -47,6 +48,7 @@ class LinuxPlatform {
     std::unique_ptr<KovexDrvApi> m_driver;
     TtySerialPort m_serial;
     LinuxProcesses m_processes;
+    SdlSound m_sound;
 };
 
 }  // namespace varkel

@@ -12,6 +12,7 @@
 #include "platform/registry.h"
 #include "platform/runtime.h"
 #include "platform/serial_port.h"
+#include "platform/sound.h"
 #include "platform/unit_files.h"
 #include "platform/window_messages.h"
 
@@ -28,6 +29,7 @@ struct Platform {
     KovexDrvApi& driver;
     UnitFiles& files;
     Processes& processes;
+    Sound& sound;
     Notices& notices;
     const Language& language;
     const CodePage& codePage;

@@ -12,6 +12,7 @@
 #include "tests/support/memory_registry.h"
 #include "tests/support/memory_windows.h"
 #include "tests/support/recorded_notices.h"
+#include "tests/support/recorded_sound.h"
 #include "tests/support/scripted_screens.h"
 #include "tests/support/virtual_runtime.h"
 #include "tests/support/virtual_serial.h"
@@ -73,14 +74,15 @@ struct SessionBench {
     MemoryObjects objects{runtime};
     MemoryWindows windows{loop};
     MemoryProcesses processes{runtime};
+    RecordedSound sound;
     RecordedNotices notices;
     VirtualSerial serial{runtime};
     VirtualUnit unit;
     Language language{files, "english"};
     ScriptedScreens screens{runtime};
     const CodePage& codePage = CodePageNamed("GB18030");
-    Platform platform{runtime, loop,      serial,  registry, objects,  windows, unit,
-                      files,   processes, notices, language, codePage, log};
+    Platform platform{runtime, loop,      serial, registry, objects,  windows,  unit,
+                      files,   processes, sound,  notices,  language, codePage, log};
     std::unique_ptr<CVarkelDlg> dialog;
 };
 

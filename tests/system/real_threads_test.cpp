@@ -14,6 +14,7 @@
 #include "tests/support/memory_windows.h"
 #include "tests/support/real_unit.h"
 #include "tests/support/recorded_notices.h"
+#include "tests/support/recorded_sound.h"
 #include "tests/support/scratch.h"
 #include "tests/support/scripted_screens.h"
 
@@ -67,12 +68,13 @@ struct RealThreads : testing::Test {
     RealUnit unit{runtime, speed, scratch / "ttyModem", {}};
     TtySerialPort serial{runtime, [this](std::string_view) { return unit.Link(); }, {}};
     MemoryProcesses processes{runtime};
+    RecordedSound sound;
     RecordedNotices notices;
     Language language{files, "english"};
     ScriptedScreens screens{runtime};
     const CodePage& codePage = CodePageNamed("GB18030");
-    Platform platform{runtime, loop,      serial,  *registry, objects,  windows, unit,
-                      files,   processes, notices, language,  codePage, log};
+    Platform platform{runtime, loop,      serial, *registry, objects,  windows,  unit,
+                      files,   processes, sound,  notices,   language, codePage, log};
     std::unique_ptr<CVarkelDlg> dialog;
 };
 

@@ -1,0 +1,233 @@
+#include "platform/linux/sdl_sound.h"
+
+#include <csignal>
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include "platform/linux/linux_runtime.h"
+#include "platform/linux/wav_sound.h"
+#include "tests/platform/scratch.h"
+#include "tests/support/memory_files.h"
+
+namespace varkel {
+namespace {
+
+std::string LittleEndian(std::uint32_t value, int octets) {
+    std::string bytes;
+    for (int i = 0; i < octets; ++i)
+        bytes += static_cast<char>(value >> 8 * i);
+    return bytes;
+}
+
+struct WavFormat {
+    std::uint32_t rate = 22'050;
+    std::uint32_t channels = 1;
+    std::uint32_t bits = 16;
+};
+
+std::string Wav(std::string_view samples, const WavFormat& format = {}) {
+    const std::uint32_t frame = format.channels * format.bits / 8;
+    const auto size = static_cast<std::uint32_t>(samples.size());
+    return "RIFF" + LittleEndian(36 + size, 4) + "WAVEfmt " + LittleEndian(16, 4) + LittleEndian(1, 2) +
+           LittleEndian(format.channels, 2) + LittleEndian(format.rate, 4) +
+           LittleEndian(format.rate * frame, 4) + LittleEndian(frame, 2) + LittleEndian(format.bits, 2) +
+           "data" + LittleEndian(size, 4) + std::string(samples);
+}
+
+std::string Samples(std::uint16_t value, std::size_t count) {
+    std::string samples;
+    for (std::size_t i = 0; i < count; ++i)
+        samples += LittleEndian(value, 2);
+    return samples;
+}
+
+// What the other threads of this program have waited for so far, and how many there are.
+struct OtherThreads {
+    int count = -1;
+    long wakeUps = 0;
+};
+
+OtherThreads Others() {
+    OtherThreads others;
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+        ++others.count;
+        std::ifstream status(thread.path() / "status");
+        for (std::string word; status >> word;) {
+            long switches = 0;
+            if (word == "voluntary_ctxt_switches:" && status >> switches) others.wakeUps += switches;
+        }
+    }
+    return others;
+}
+
+// The sound server is a file; the device is SDL's "disk" with a millisecond for each buffer of 46.
+class SdlSoundTest : public testing::Test {
+  protected:
+    SdlSoundTest() {
+        UseDriver("disk");
+        setenv("SDL_DISKAUDIOFILE", output.c_str(), 1);
+        setenv("SDL_DISKAUDIODELAY", "1", 1);
+        files.WriteWhole("short", Wav(Samples(0x1111, 2205)));
+        files.WriteWhole("long", Wav(Samples(0x2222, 6615)));
+    }
+    ~SdlSoundTest() override { unsetenv("SDL_AUDIODRIVER"); }
+
+    static void UseDriver(const char* name) { setenv("SDL_AUDIODRIVER", name, 1); }
+
+    bool Until(const std::function<bool()>& holds) {
+        for (int i = 0; i < 1000 && !holds(); ++i)
+            runtime.Sleep(10);
+        return holds();
+    }
+    // Only the sound thread is there, and it waits.
+    bool Quiet() {
+        return Until([this] { return Others().count == threads; });
+    }
+    std::size_t Heard(char byte) const {
+        const std::string content = test::FileContent(output);
+        return static_cast<std::size_t>(std::count(content.begin(), content.end(), byte)) / 2;
+    }
+    std::vector<std::string> Problems() {
+        std::lock_guard lock(mutex);
+        return problems;
+    }
+
+    test::ScratchDirectory scratch;
+    const std::string output = scratch / "heard";
+    LinuxRuntime runtime;
+    test::MemoryFiles files;
+    std::mutex mutex;
+    std::vector<std::string> problems;
+    SdlSound sound{runtime, files, [this](std::string_view problem) {
+                       std::lock_guard lock(mutex);
+                       problems.emplace_back(problem);
+                   }};
+    const int threads = Others().count;
+};
+
+TEST_F(SdlSoundTest, PlaysAFileOnceAndSleepsAgain) {
+    struct sigaction before {};
+    sigaction(SIGINT, nullptr, &before);
+    EXPECT_TRUE(sound.PlaySound("short", SoundMode::Once));
+    EXPECT_TRUE(Until([&] { return Heard(0x11) == 2205; }));
+    EXPECT_TRUE(Quiet());
+    EXPECT_EQ(test::FileContent(output).substr(0, 4410), Samples(0x1111, 2205));
+    EXPECT_EQ(Heard(0x11), 2205u) << "once";
+    struct sigaction after {};
+    sigaction(SIGINT, nullptr, &after);
+    EXPECT_EQ(after.sa_handler, before.sa_handler);
+
+    const long wakeUps = Others().wakeUps;
+    runtime.Sleep(300);
+    EXPECT_LE(Others().wakeUps - wakeUps, 1) << "this thread's own";
+    EXPECT_EQ(Problems(), std::vector<std::string>());
+}
+
+TEST_F(SdlSoundTest, RepeatsUntilAnotherSoundTakesItsPlace) {
+    EXPECT_TRUE(sound.PlaySound("short", SoundMode::Loop));
+    EXPECT_TRUE(Until([&] { return Heard(0x11) > 30'000; })) << "lap after lap";
+    EXPECT_TRUE(sound.PlaySound("long", SoundMode::Once));
+    EXPECT_TRUE(Until([&] { return Heard(0x22) == 6615; }));
+    EXPECT_TRUE(Quiet());
+    const std::string content = test::FileContent(output);
+    EXPECT_EQ(content.find('\x11', content.find('\x22')), std::string::npos) << "the first has ended";
+}
+
+TEST_F(SdlSoundTest, IsEndedByAnEmptyPath) {
+    EXPECT_TRUE(sound.PlaySound("long", SoundMode::Loop));
+    EXPECT_TRUE(Until([&] { return Heard(0x22) > 0; }));
+    EXPECT_TRUE(sound.PlaySound("", SoundMode::Once));
+    EXPECT_TRUE(Quiet());
+    EXPECT_TRUE(sound.PlaySound("", SoundMode::Loop)) << "nothing plays, and that is well";
+}
+
+TEST_F(SdlSoundTest, OpensTheDeviceAnewForAnotherKindOfSamples) {
+    files.WriteWhole("stereo", Wav(Samples(0x3333, 8000), {.rate = 8000, .channels = 2}));
+    files.WriteWhole("bytes", Wav(std::string(4000, '\x44'), {.rate = 8000, .bits = 8}));
+    for (const char* const name : {"short", "stereo", "bytes"}) {
+        EXPECT_TRUE(sound.PlaySound(name, SoundMode::Once));
+        EXPECT_TRUE(Until([&] { return Others().count > threads; })) << name;
+    }
+    EXPECT_TRUE(Until([&] { return Heard(0x44) == 2000; }));
+    EXPECT_TRUE(Quiet());
+}
+
+TEST_F(SdlSoundTest, IsSilentForFilesThatAreNoSound) {
+    const std::string good = Wav(Samples(0x1111, 100));
+    std::string noData = good;
+    noData.replace(noData.find("data"), 4, "dada");
+    const std::pair<const char*, std::string> bad[] = {
+        {"nothing", ""},
+        {"a text", "a text, no sound at all, and as long as a header of a sound would be"},
+        {"no samples", Wav("")},
+        {"no data", noData},
+        {"only the head", good.substr(0, 40)},
+        {"cut", good.substr(0, 100)},
+        {"no rate", Wav(Samples(1, 100), {.rate = 0})},
+        {"an endless rate", Wav(Samples(1, 100), {.rate = 0xFFFFFFFF})},
+        {"no channels", Wav(Samples(1, 100), {.channels = 0})},
+        {"many channels", Wav(Samples(1, 102), {.channels = 3})},
+        {"odd bits", Wav(Samples(1, 100), {.bits = 13})},
+        {"31 seconds", Wav(std::string(31 * 8000, 'x'), {.rate = 8000, .bits = 8})},
+        {"more than 8 MiB", Wav(std::string(WavSound::largestFile, 'x'), {.rate = 192'000, .channels = 2})},
+    };
+    EXPECT_TRUE(sound.PlaySound("long", SoundMode::Loop));
+    EXPECT_FALSE(sound.PlaySound("missing", SoundMode::Once));
+    EXPECT_TRUE(Quiet()) << "silence is silence";
+    for (const auto& [name, file] : bad) {
+        files.WriteWhole("bad", file);
+        EXPECT_FALSE(sound.PlaySound("bad", SoundMode::Once)) << name;
+    }
+    for (std::size_t length = 0; length < good.size(); ++length)
+        EXPECT_FALSE(ReadWav(good.substr(0, length))) << length;
+    for (std::size_t at = 0; at < 44; ++at) {
+        for (int value = 0; value < 256; ++value) {
+            std::string damaged = good;
+            damaged[at] = static_cast<char>(value);
+            if (const auto read = ReadWav(damaged)) {
+                EXPECT_LE(read->bytes.size(), WavSound::longestSeconds * read->BytesPerSecond());
+            }
+        }
+    }
+    EXPECT_TRUE(ReadWav(Wav(std::string(30 * 8000, 'x'), {.rate = 8000, .bits = 8}))) << "30 seconds";
+    EXPECT_TRUE(Quiet());
+    EXPECT_EQ(Problems(), std::vector<std::string>());
+}
+
+TEST_F(SdlSoundTest, SaysOnceThatThereIsNoDeviceAndTriesAgain) {
+    UseDriver("no such driver");
+    EXPECT_TRUE(sound.PlaySound("short", SoundMode::Once));
+    EXPECT_TRUE(Until([&] { return !Problems().empty(); }));
+    EXPECT_EQ(Problems().front().substr(0, 10), "no sound: ");
+    EXPECT_TRUE(sound.PlaySound("short", SoundMode::Loop));
+    runtime.Sleep(100);
+    EXPECT_EQ(Problems().size(), 1u);
+    EXPECT_TRUE(Quiet());
+    UseDriver("disk");
+    EXPECT_TRUE(sound.PlaySound("short", SoundMode::Once));
+    EXPECT_TRUE(Until([&] { return Heard(0x11) == 2205; }));
+    EXPECT_TRUE(Quiet());
+}
+
+TEST_F(SdlSoundTest, TakesOrdersFromAnyThread) {
+    UseDriver("dummy");
+    std::vector<std::thread> callers;
+    for (int caller = 0; caller < 4; ++caller) {
+        callers.emplace_back([this, caller] {
+            constexpr const char* names[] = {"short", "long", "", "missing"};
+            for (int i = 0; i < 50; ++i) {
+                (void)sound.PlaySound(names[(caller + i) % 4], i % 2 ? SoundMode::Loop : SoundMode::Once);
+                runtime.Sleep(1);
+            }
+        });
+    }
+    for (std::thread& caller : callers)
+        caller.join();
+    EXPECT_TRUE(sound.PlaySound("long", SoundMode::Loop)) << "and the end comes while it plays";
+}
+
+}  // namespace
+}  // namespace varkel
