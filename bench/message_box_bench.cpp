@@ -7,8 +7,8 @@
 
 #include "platform/linux/linux_unit_files.h"
 #include "stores/message_box.h"
-#include "tests/platform/scratch.h"
 #include "tests/support/memory_files.h"
+#include "tests/support/scratch.h"
 #include "tests/support/virtual_runtime.h"
 
 namespace {

@@ -1,6 +1,7 @@
-// Answers of any shape to the handlers of the SIM, the signal and the module's readiness. The input is a
-// sequence of {which handler, length, text}.
+// Answers of any shape to the handlers of the SIM, the signal, the messages and the module's readiness. The
+// input is a sequence of {which handler, length, text}.
 #include "fuzz/input.h"
+#include "session/message_handling.h"
 #include "session/not_there_yet.h"
 #include "session/signal_watch.h"
 #include "session/sim_card.h"
@@ -15,12 +16,16 @@ struct Target {
     Target() { bench.log.Open("log", 64 * 1024, LogLevel::Debug); }
 
     void Handle(unsigned handler, std::string_view text) {
-        switch (handler % 6) {
+        switch (handler % 10) {
             case 0: sim.OnCpin(text); break;
             case 1: sim.OnUrcInd(text); break;
             case 2: sim.OnSimInserted(text); break;
             case 3: sim.OnCimi(text); break;
             case 4: sim.OnGsn(text); break;
+            case 5: messages.OnMsComeIn(text); break;
+            case 6: messages.OnMsContent(text); break;
+            case 7: messages.OnMsCenterNo(text); break;
+            case 8: messages.OnSendMsSuc(); break;
             default: signal.OnSignalStatus(text); break;
         }
     }
@@ -33,7 +38,10 @@ struct Target {
     NoDataConnection data{bench.log};
     Worker worker{bench.runtime, "link"};
     SimCard sim{session};
-    SignalWatch signal{session, data, worker};
+    CommandTurn turn{bench.runtime, at};
+    SignalWatch signal{session, turn, data, worker};
+    NoCallControl calls{bench.log};
+    MessageHandling messages{session, turn, calls, signal};
 };
 
 }  // namespace

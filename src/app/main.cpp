@@ -49,7 +49,7 @@ int RunHeadless(const Options& options, LinuxRuntime& runtime, MessageLoop& loop
     HeadlessScreens screens(runtime, loop, terminal, linuxPlatform.GetLanguage());
     Platform platform = linuxPlatform.Services(screens);
     CVarkelDlg dialog(platform, screens);
-    HeadlessCommands commands(dialog, terminal);
+    HeadlessCommands commands(dialog, platform.codePage, terminal);
     quit = [&dialog] { dialog.Quit(); };
     screens.Start(dialog.State(), [&commands](std::string_view line) { commands.Run(line); });
     dialog.OnInitDialog(options.commandLine, options.logLevel);

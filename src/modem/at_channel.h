@@ -131,6 +131,9 @@ class CATChannel {
 
     // Writes the PDU that cmd_sendms kept, and forgets it. Nothing is written when there is none.
     void WriteMessage2Port();
+    // Gives up a message whose prompt did not come: its PDU is forgotten, and should the module be waiting for
+    // the text after all, ESC ends that (3GPP TS 27.005, 3.5.1).
+    void AbandonMessage();
 
     // The parser: takes one chunk and raises its events. Read thread only.
     void ProcessRcv(std::string_view chunk);
@@ -149,9 +152,11 @@ class CATChannel {
 
     // A dial, hang-up, message or USSD request has not had its final result.
     bool OneShotPending() const {
-        return hangUpPending.Pending() || dialPending.Pending() || sendPending.Pending() ||
+        return hangUpPending.Pending() || dialPending.Pending() || m_promptAwaited || sendPending.Pending() ||
                ussdPending.Pending();
     }
+    // A command of the last `memory` ms has not had its final result.
+    bool AnswerOutstanding(Ticks memory) const;
 
     // Set by the controller just before the command, taken by the first final result that follows.
     OneShot hangUpPending;
@@ -174,6 +179,7 @@ class CATChannel {
     void Process_event(Keyword keyword, std::string_view param);
     void OnFinalError();
     void OnFinalOk();
+    void CountFinalResult();
     void OnPrompt();
     void ReportSendResult(bool sent);
 
@@ -189,6 +195,8 @@ class CATChannel {
     // Sending side.
     Guarded<FixedText<512>> m_pdu;  // hexadecimal, ended by Ctrl-Z
     std::atomic<Ticks> m_lastCommand = 0;
+    std::atomic<int> m_unanswered = 0;  // commands without a final result, as far as it was seen
+    std::atomic<bool> m_promptAwaited = false;  // from cmd_sendms to the prompt or the end of the attempt
     std::atomic<bool> m_dialWasServiceCode = false;
     std::atomic<bool> m_linkUp = false;
     OneShot m_cpinAsked;  // taken by "+CPIN:" and "ERROR"

@@ -31,6 +31,9 @@ class CommandLine {
 };
 
 constexpr char ctrlZ = 0x1A;
+constexpr std::string_view escape = "\x1B";
+// A final result that has not come by then never will.
+constexpr Ticks answerForgotten = 10'000;
 
 // The procedures that change or unblock a PIN carry codes (3GPP TS 22.030, 6.6).
 bool ChangesCode(std::string_view dialString) {
@@ -51,11 +54,17 @@ CATChannel::CATChannel(Runtime& runtime, KovexDrvApi& driver, WindowMessages& wi
 void CATChannel::Attach(const CCESeries& link, void* owner) {
     m_link.Set(link.Fields());
     m_owner = owner;
+    m_unanswered = 0;
+    m_promptAwaited = false;
+}
+
+bool CATChannel::AnswerOutstanding(Ticks memory) const {
+    return m_unanswered > 0 && TicksSince(m_runtime.GetTickCount(), m_lastCommand) < memory;
 }
 
 void CATChannel::SendATCommond(std::string_view text, Secrecy secrecy) {
     const Ticks now = m_runtime.GetTickCount();
-    m_lastCommand = now;
+    if (TicksSince(now, m_lastCommand.exchange(now)) > answerForgotten) m_unanswered = 0;
     if (secrecy == Secrecy::CarriesCode) m_secrets.CommandSent(now);
     if (m_log.Wants(LogLevel::Trace)) {
         m_log.Trace("[SendATCommond]--Commond:%s\r\n", LogText(m_log, text).CStr());
@@ -63,6 +72,7 @@ void CATChannel::SendATCommond(std::string_view text, Secrecy secrecy) {
     if (UsbLinkPresent()) {
         m_log.DebugOutput("GetUsbHostStatus-----success!\r\n");
         m_log.Trace("[SendATCommond]--Commond:senat 1\r\n");
+        ++m_unanswered;
         QueueBytes(text, "\r");
         return;
     }
@@ -146,12 +156,18 @@ void CATChannel::cmd_sendms(const PduText& pdu) {
     const auto digit = [](char c) { return c <= '9' ? c - '0' : c - 'A' + 10; };
     const int centerOctets = digit(hex[0]) * 16 + digit(hex[1]);
     const int tpduOctets = static_cast<int>(hex.size() / 2) - (centerOctets + 1);
+    m_promptAwaited = true;
     SendATCommond(CommandLine<32>("AT+CMGS=%d", tpduOctets).View());
 }
 
 void CATChannel::WriteMessage2Port() {
     const FixedText<512> pdu = m_pdu.With([](FixedText<512>& buffer) { return std::exchange(buffer, {}); });
     if (!pdu.Empty()) QueueBytes(pdu.View(), "");
+}
+
+void CATChannel::AbandonMessage() {
+    m_pdu.Set({});
+    if (m_promptAwaited.exchange(false)) QueueBytes(escape, "");
 }
 
 void CATChannel::cmd_inquire_mscenter() {

@@ -77,6 +77,7 @@ void CATChannel::ProcessRcv(std::string_view chunk) {
                     m_accumulated.begin() + static_cast<std::ptrdiff_t>(m_accumulatedLength));
         m_accumulatedLength += count;
         const Keyword complete = std::exchange(m_pending, Keyword::Csq);
+        if (complete != Keyword::Cusd) CountFinalResult();
         Process_event(complete, {m_accumulated.data(), m_accumulatedLength});
     } else {
         SearchAndDispatch(chunk);
@@ -165,13 +166,22 @@ void CATChannel::Process_event(Keyword keyword, std::string_view param) {
 
 void CATChannel::OnPrompt() {
     m_log.Trace("[BTNEV]CODE_SENDMS");
+    m_promptAwaited = false;
     sendPending.Set(m_runtime.GetTickCount());
     const bool servesClient = m_handlers.ServesClient && m_handlers.ServesClient(m_owner);
     if (!servesClient && m_handlers.OnSendState) m_handlers.OnSendState(m_owner, SendState::Sending);
     if (m_handlers.OnSendMsSuc) m_handlers.OnSendMsSuc(m_owner);
 }
 
+void CATChannel::CountFinalResult() {
+    // Both ends change it: one that would go below none stays there.
+    int count = m_unanswered;
+    while (count > 0 && !m_unanswered.compare_exchange_weak(count, count - 1)) {
+    }
+}
+
 void CATChannel::OnFinalError() {
+    CountFinalResult();
     if (m_cpinAsked.Take()) m_cpinRefused = true;
     if (m_handlers.OnAtResult) m_handlers.OnAtResult(m_owner, AtResult::Finished);
     if (!m_dialWasServiceCode && dialPending.Take() && m_handlers.OnCallHooked)
@@ -182,6 +192,7 @@ void CATChannel::OnFinalError() {
 }
 
 void CATChannel::OnFinalOk() {
+    CountFinalResult();
     if (m_handlers.OnAtResult) m_handlers.OnAtResult(m_owner, AtResult::Finished);
     if (!m_dialWasServiceCode && dialPending.Take() && m_handlers.OnCallEstablished) {
         m_handlers.OnCallEstablished(m_owner);

@@ -11,6 +11,8 @@ class CallControl {
 
     // Reads the three call lists from their files. Open thread.
     virtual void ReloadRecords() = 0;
+    // A call rings, is dialled or is established. Any thread.
+    virtual bool Busy() const = 0;
     // Read thread; quick.
     virtual void OnRing() = 0;
     virtual void OnRingNo(std::string_view text) = 0;

@@ -1,23 +1,50 @@
-// Short messages, as the rest of the session uses them.
+// Short messages: the modem's events of them, and what the screens and other programs ask for.
 #pragma once
 
+#include <atomic>
 #include <string_view>
 
-#include "modem/at_channel.h"
+#include "session/message_receiving.h"
+#include "session/message_sending.h"
 
 namespace varkel {
 
+// Created and destroyed on the dialog thread. The handlers are the read thread's, and quick: what takes time
+// is done by a worker.
 class MessageHandling {
   public:
-    virtual ~MessageHandling() = default;
+    MessageHandling(Session& session, CommandTurn& turn, CallControl& calls, SignalWatch& signal);
+    ~MessageHandling();
 
-    // Read thread; quick.
-    virtual void OnMsComeIn(std::string_view text) = 0;
-    virtual void OnMsContent(std::string_view text) = 0;
-    virtual void OnMsCenterNo(std::string_view text) = 0;
-    virtual void OnSendMsSuc() = 0;
-    virtual void OnSendState(SendState state) = 0;
-    virtual void OnSendTip() = 0;
+    // The named events by which a program for which the controller works learns of a received message and of
+    // the result of a sent one.
+    void SetClientEvents(std::shared_ptr<Event> received, std::shared_ptr<Event> sent);
+
+    void OnMsComeIn(std::string_view text);
+    void OnMsContent(std::string_view text) { m_receiving.OnMsContent(text); }
+    void OnMsCenterNo(std::string_view text) { m_sending.OnMsCenterNo(text); }
+    void OnSendMsSuc() { m_sending.OnSendMsSuc(); }
+    void OnSendState(SendState state) { m_sending.OnSendState(state); }
+    void OnSendTip() { m_sending.OnSendTip(); }
+    // The module is being shut down. Any thread.
+    void OnModuleClosed() { m_receiving.OnModuleClosed(); }
+
+    // See MessageSending.
+    bool SendSMDll(std::string_view number, std::string_view text);
+
+    MessageBoxes& Boxes() { return m_boxes; }
+
+  private:
+    void Wake();
+    void Work();
+
+    Session& m_session;
+    const WindowHandle m_tipWindow;
+    MessageBoxes m_boxes;
+    MessageReceiving m_receiving;
+    MessageSending m_sending;
+    std::atomic<bool> m_woken = false;
+    Worker m_worker;  // last: its thread ends first
 };
 
 }  // namespace varkel

@@ -168,6 +168,7 @@ void ModuleControl::Network_interface_Disconnect() {
     state.g_bSimOk = true;
     m_parts.data.RasHangUp();
     m_session.at.SetLinkUp(false);
+    m_parts.messages.OnModuleClosed();
     m_parts.link.ClosePort();
     m_session.platform.driver.SetTmcPower(0);
     m_session.platform.driver.Set3GPower(0);

@@ -5,6 +5,7 @@
 #include "session/call_control.h"
 #include "session/data_connection.h"
 #include "session/init_sequence.h"
+#include "session/message_handling.h"
 #include "session/open_waits.h"
 #include "session/session.h"
 #include "session/signal_watch.h"
@@ -25,6 +26,7 @@ class ModuleOpen {
         SimPhonebook& phonebook;
         CallControl& calls;
         DataConnection& data;
+        MessageHandling& messages;
     };
 
     // `owner` and `receive` are what the link hands its chunks to.

@@ -57,23 +57,4 @@ void NoCallControl::OnUssd(std::string_view /*text*/) {
     SayMissing(m_log, "OnUssd");
 }
 
-void NoMessageHandling::OnMsComeIn(std::string_view /*text*/) {
-    SayMissing(m_log, "OnMsComeIn");
-}
-void NoMessageHandling::OnMsContent(std::string_view /*text*/) {
-    SayMissing(m_log, "OnMsContent");
-}
-void NoMessageHandling::OnMsCenterNo(std::string_view /*text*/) {
-    SayMissing(m_log, "OnMsCenterNo");
-}
-void NoMessageHandling::OnSendMsSuc() {
-    SayMissing(m_log, "OnSendMsSuc");
-}
-void NoMessageHandling::OnSendState(SendState /*state*/) {
-    SayMissing(m_log, "OnSendState");
-}
-void NoMessageHandling::OnSendTip() {
-    SayMissing(m_log, "OnSendTip");
-}
-
 }  // namespace varkel

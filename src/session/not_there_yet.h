@@ -4,7 +4,6 @@
 #include "platform/log.h"
 #include "session/call_control.h"
 #include "session/data_connection.h"
-#include "session/message_handling.h"
 #include "session/session_state.h"
 #include "session/sim_phonebook.h"
 
@@ -39,25 +38,12 @@ class NoCallControl final : public CallControl {
   public:
     explicit NoCallControl(Log& log) : m_log(log) {}
     void ReloadRecords() override;
+    bool Busy() const override { return false; }
     void OnRing() override;
     void OnRingNo(std::string_view text) override;
     void OnCallEstablished() override;
     void OnCallHooked() override;
     void OnUssd(std::string_view text) override;
-
-  private:
-    Log& m_log;
-};
-
-class NoMessageHandling final : public MessageHandling {
-  public:
-    explicit NoMessageHandling(Log& log) : m_log(log) {}
-    void OnMsComeIn(std::string_view text) override;
-    void OnMsContent(std::string_view text) override;
-    void OnMsCenterNo(std::string_view text) override;
-    void OnSendMsSuc() override;
-    void OnSendState(SendState state) override;
-    void OnSendTip() override;
 
   private:
     Log& m_log;

@@ -22,6 +22,9 @@ enum class WindowPlace {
 // The steps of the open sequence that the user can watch.
 enum class OpenStep { PowerOn, OpenLink, AwaitModule, AwaitSim, SearchNetwork, Initialise };
 
+// What the tip window says of a message that is being sent.
+enum class SendTip : int { Hidden = 0, Sending = 1, Sent = 2, Failed = 3 };
+
 // A dialog in which the user types a code, or a code and a new one.
 struct CodeRequest {
     std::string title;
@@ -54,9 +57,13 @@ class Screens {
     // Something that the main screen paints from has changed.
     virtual void Repaint() = 0;
     virtual void EnableWindow(bool enable) = 0;
+    virtual bool IsWindowEnabled() const = 0;
     virtual void PlaceWindow(WindowPlace place) = 0;
     // A warning with nothing to choose. One that is on the screen already is not shown again.
     virtual void Warn(WarnCode code) = 0;
+    virtual void ShowSendTip(SendTip tip) = 0;
+    // The new-message screen, which sets m_nNewMessages to 0 when it opens.
+    virtual void ShowNewMessages() = 0;
 
     // Waits for the user; nothing when he cancels or CancelPrompts is called. Not on the read thread.
     virtual std::optional<CodeEntry> AskCodes(const CodeRequest& request) = 0;

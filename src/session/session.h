@@ -1,6 +1,8 @@
 // What every part of the session works with.
 #pragma once
 
+#include <string>
+
 #include "modem/at_channel.h"
 #include "platform/platform.h"
 #include "session/screens.h"
@@ -9,6 +11,12 @@
 
 namespace varkel {
 
+// What an integrator chooses for a unit.
+struct SessionOptions {
+    // Put in front of the destination of a message that is not international; empty = nothing is.
+    std::string countryCode = "86";
+};
+
 // References that outlive the parts.
 struct Session {
     Platform& platform;
@@ -16,6 +24,7 @@ struct Session {
     Settings& settings;
     CATChannel& at;
     Screens& screens;
+    SessionOptions options = {};
 };
 
 // The dialog thread's timers.
@@ -26,6 +35,7 @@ enum class SessionTimer : TimerId {
     DialTimeout = 5,
     SignalRepeat = 11,
     OneShots = 12,
+    SendTip = 13,
 };
 
 }  // namespace varkel

@@ -45,8 +45,9 @@ int BroadcastLevel(int value) {
     return value < 21 ? 3 : 4;
 }
 
-SignalWatch::SignalWatch(Session& session, DataConnection& data, Worker& linkWorker)
+SignalWatch::SignalWatch(Session& session, CommandTurn& turn, DataConnection& data, Worker& linkWorker)
     : m_session(session),
+      m_turn(turn),
       m_data(data),
       m_linkWorker(linkWorker),
       m_signalMessage(session.platform.windows.RegisterWindowMessage("UM_QX_SIGNALSTAT")) {}
@@ -73,7 +74,8 @@ void SignalWatch::OnSignalStatus(std::string_view text) {
 
 void SignalWatch::Start() {
     m_session.state.m_bSignalPolling = true;
-    m_session.at.cmd_check_signal();
+    // Beside a request that is under way the first query can wait for the timer.
+    [[maybe_unused]] const bool asked = m_turn.TryQuietly([this] { m_session.at.cmd_check_signal(); });
     m_session.platform.loop.SetTimer(pollTimer, pollPeriod, [this] { OnTimer(); });
 }
 
@@ -121,7 +123,9 @@ void SignalWatch::Ask() {
     CATChannel& at = m_session.at;
     const bool recent =
         TicksSince(m_session.platform.runtime.GetTickCount(), at.LastCommand()) <= freshAnswer;
-    if (!recent && !at.OneShotPending()) at.cmd_check_signal();
+    if (recent) return;
+    // A request that is under way comes first; the repeat asks again.
+    [[maybe_unused]] const bool asked = m_turn.TryQuietly([&at] { at.cmd_check_signal(); });
 }
 
 void SignalWatch::StepLevel() {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <string_view>
 
+#include "session/command_turn.h"
 #include "session/data_connection.h"
 #include "session/session.h"
 #include "session/worker.h"
@@ -20,7 +21,7 @@ int BroadcastLevel(int value);
 class SignalWatch {
   public:
     // `linkWorker` carries out what the data link needs time for.
-    SignalWatch(Session& session, DataConnection& data, Worker& linkWorker);
+    SignalWatch(Session& session, CommandTurn& turn, DataConnection& data, Worker& linkWorker);
 
     // The answer "+CSQ: rssi,ber". Read thread.
     void OnSignalStatus(std::string_view text);
@@ -42,6 +43,7 @@ class SignalWatch {
     void PostSignalState(int level);
 
     Session& m_session;
+    CommandTurn& m_turn;
     DataConnection& m_data;
     Worker& m_linkWorker;
     const MessageId m_signalMessage;

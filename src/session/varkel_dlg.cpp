@@ -1,5 +1,7 @@
 #include "session/varkel_dlg.h"
 
+#include <utility>
+
 #include "session/main_window.h"
 
 namespace varkel {
@@ -23,24 +25,25 @@ std::shared_ptr<Event> CreateNamedEvent(Platform& platform, const char* name) {
 
 }  // namespace
 
-CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens)
+CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens, SessionOptions options)
     : m_platform(platform),
       m_screens(screens),
       m_settings(platform.registry),
       m_link(platform.runtime, platform.serial, platform.notices, platform.log),
       m_at(platform.runtime, platform.driver, platform.windows, platform.log),
-      m_session{platform, m_state, m_settings, m_at, screens},
+      m_session{platform, m_state, m_settings, m_at, screens, std::move(options)},
+      m_turn(platform.runtime, m_at),
       m_sharedData(platform.objects, platform.log),
       m_data(platform.log),
       m_phonebook(platform.log),
       m_calls(platform.log),
-      m_messages(platform.log),
       m_linkWorker(platform.runtime, "data link"),
       m_sim(m_session),
-      m_signal(m_session, m_data, m_linkWorker),
+      m_signal(m_session, m_turn, m_data, m_linkWorker),
+      m_messages(m_session, m_turn, m_calls, m_signal),
       m_oneShots(m_session, m_calls, m_messages, m_signal),
       m_programs(m_session),
-      m_module(m_session, {m_link, m_sim, m_signal, m_phonebook, m_calls, m_data}, this,
+      m_module(m_session, {m_link, m_sim, m_signal, m_phonebook, m_calls, m_data, m_messages}, this,
                &CVarkelDlg::OnSeriesRead, [this] {
                    if (m_background) m_platform.loop.Post([this] { HideOrQuit(); });
                }) {
@@ -73,6 +76,7 @@ void CVarkelDlg::OnInitDialog(std::string_view commandLine, LogLevel logLevel) {
     CreateNamedEvents();
     ModemHandlers handlers = Handlers();
     handlers.sendResult = m_sendSmSus;
+    m_messages.SetClientEvents(m_recvSmEvent, m_sendSmSus);
     m_at.SetHandlers(handlers);
     if (!m_module.Start()) m_platform.notices.ShowMessageBox("创建线程失败", "");
     ScheduleStart();

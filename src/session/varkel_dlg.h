@@ -6,6 +6,7 @@
 
 #include "modem/serial_link.h"
 #include "modem/shared_block.h"
+#include "session/message_handling.h"
 #include "session/module_control.h"
 #include "session/not_there_yet.h"
 #include "session/one_shot_watch.h"
@@ -20,7 +21,7 @@ namespace varkel {
 // Created, started and destroyed on the dialog thread, outside its message loop.
 class CVarkelDlg {
   public:
-    CVarkelDlg(Platform& platform, Screens& screens);
+    CVarkelDlg(Platform& platform, Screens& screens, SessionOptions options = {});
     ~CVarkelDlg();
     CVarkelDlg(const CVarkelDlg&) = delete;
     CVarkelDlg& operator=(const CVarkelDlg&) = delete;
@@ -38,7 +39,8 @@ class CVarkelDlg {
     // Leaves the screen: hides the window while the module is on, else ends the program. Dialog thread.
     void HideOrQuit();
 
-    const SessionState& State() const { return m_state; }
+    MessageHandling& Messages() { return m_messages; }
+    SessionState& State() { return m_state; }
     const SkinColors& Colors() const { return m_colors; }
 
   private:
@@ -59,6 +61,7 @@ class CVarkelDlg {
     CCESeries m_link;
     CATChannel m_at;
     Session m_session;
+    CommandTurn m_turn;
     CGSMData m_sharedData;
     WindowHandle m_window = WindowHandle::None;
     bool m_background = false;
@@ -73,10 +76,10 @@ class CVarkelDlg {
     NoDataConnection m_data;
     NoSimPhonebook m_phonebook;
     NoCallControl m_calls;
-    NoMessageHandling m_messages;
     Worker m_linkWorker;
     SimCard m_sim;
     SignalWatch m_signal;
+    MessageHandling m_messages;
     OneShotWatch m_oneShots;
     ProgramWatch m_programs;
     ModuleControl m_module;

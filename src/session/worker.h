@@ -25,6 +25,7 @@ class Worker {
 
     // Sleeps within a job; false when the worker is to end. Its own thread.
     bool Pause(Ticks milliseconds) { return m_ending->Wait(milliseconds) != WaitResult::Object0; }
+    bool Ending() { return !Pause(0); }
 
     static constexpr std::size_t queueLimit = 256;
 

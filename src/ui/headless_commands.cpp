@@ -6,37 +6,59 @@ namespace varkel {
 
 struct HeadlessCommands::Command {
     const char* name;
+    const char* arguments;
     const char* help;
-    void (*run)(HeadlessCommands& self);
+    void (*run)(HeadlessCommands& self, std::string_view arguments);
 };
 
+using Self = HeadlessCommands;
+
 const HeadlessCommands::Command HeadlessCommands::commands[] = {
-    {"open", "switch the modem on", [](HeadlessCommands& self) { self.m_dialog.OpenModule(); }},
-    {"close", "switch the modem off", [](HeadlessCommands& self) { self.m_dialog.CloseModule(); }},
-    {"cancel", "give up switching the modem on", [](HeadlessCommands& self) { self.m_dialog.CancelOpen(); }},
-    {"status", "what is known of modem, SIM and signal", [](HeadlessCommands& self) { self.Status(); }},
-    {"exit", "leave the screen, as its exit cell does",
-     [](HeadlessCommands& self) { self.m_dialog.HideOrQuit(); }},
-    {"quit", "switch the modem off and end", [](HeadlessCommands& self) { self.m_dialog.Quit(); }},
-    {"help", "this list", [](HeadlessCommands& self) { self.Help(); }},
+    {"open", "", "switch the modem on", [](Self& self, auto) { self.m_dialog.OpenModule(); }},
+    {"close", "", "switch the modem off", [](Self& self, auto) { self.m_dialog.CloseModule(); }},
+    {"cancel", "", "give up switching the modem on", [](Self& self, auto) { self.m_dialog.CancelOpen(); }},
+    {"status", "", "what is known of modem, SIM and signal", [](Self& self, auto) { self.Status(); }},
+    {"inbox", "", "the received messages, the newest first",
+     [](Self& self, auto) { self.m_messages.List(SmsBox::Inbox); }},
+    {"outbox", "", "the sent ones", [](Self& self, auto) { self.m_messages.List(SmsBox::Outbox); }},
+    {"drafts", "", "the ones that are kept for later",
+     [](Self& self, auto) { self.m_messages.List(SmsBox::Drafts); }},
+    {"read", "N", "message N of the list shown last",
+     [](Self& self, std::string_view which) { self.m_messages.Read(which); }},
+    {"delete", "N|all", "delete it, or all of that list",
+     [](Self& self, std::string_view which) { self.m_messages.Delete(which); }},
+    {"new", "", "the messages that came since \"new\" was last shown",
+     [](Self& self, auto) { self.m_messages.ShowNew(); }},
+    {"send", "NUMBER TEXT", "send a message",
+     [](Self& self, std::string_view text) { self.m_messages.Send(text); }},
+    {"exit", "", "leave the screen, as its exit cell does",
+     [](Self& self, auto) { self.m_dialog.HideOrQuit(); }},
+    {"quit", "", "switch the modem off and end", [](Self& self, auto) { self.m_dialog.Quit(); }},
+    {"help", "", "this list", [](Self& self, auto) { self.Help(); }},
 };
 
 void HeadlessCommands::Run(std::string_view line) {
-    const std::string_view name = Trimmed(line);
-    if (name.empty()) return;
+    line = Trimmed(line);
+    if (line.empty()) return;
+    const std::string_view name = line.substr(0, line.find(' '));
+    const std::string_view arguments = Trimmed(line.substr(name.size()));
     for (const Command& command : commands) {
-        if (name == command.name) {
-            command.run(*this);
-            return;
+        if (name != command.name) continue;
+        const bool takesNone = *command.arguments == '\0';
+        if (takesNone == arguments.empty()) {
+            command.run(*this, arguments);
+        } else {
+            m_terminal.PrintLine(std::string("[error] usage: ") + command.name + " " + command.arguments);
         }
+        return;
     }
     m_terminal.PrintLine("[error] unknown command \"" + std::string(CutUtf8(name, 40)) + "\"; try \"help\"");
 }
 
 void HeadlessCommands::Help() {
     for (const Command& command : commands) {
-        std::string line = std::string("  ") + command.name;
-        line.resize(12, ' ');
+        std::string line = std::string("  ") + command.name + " " + command.arguments;
+        line.resize(20, ' ');
         m_terminal.PrintLine(line + command.help);
     }
 }

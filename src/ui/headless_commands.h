@@ -6,13 +6,15 @@
 
 #include "platform/terminal.h"
 #include "session/varkel_dlg.h"
+#include "ui/headless_messages.h"
 
 namespace varkel {
 
 // Dialog thread.
 class HeadlessCommands {
   public:
-    HeadlessCommands(CVarkelDlg& dialog, Terminal& terminal) : m_dialog(dialog), m_terminal(terminal) {}
+    HeadlessCommands(CVarkelDlg& dialog, const CodePage& page, Terminal& terminal)
+        : m_dialog(dialog), m_terminal(terminal), m_messages(dialog, page, terminal) {}
 
     void Run(std::string_view line);
 
@@ -25,6 +27,7 @@ class HeadlessCommands {
 
     CVarkelDlg& m_dialog;
     Terminal& m_terminal;
+    HeadlessMessages m_messages;
 };
 
 }  // namespace varkel

@@ -78,6 +78,19 @@ void HeadlessScreens::Warn(WarnCode code) {
     PrintNotice("[warning] " + WarnText(code, m_language));
 }
 
+void HeadlessScreens::ShowSendTip(SendTip tip) {
+    switch (tip) {
+        case SendTip::Hidden: break;
+        case SendTip::Sending: m_terminal.PrintLine("[message] sending"); break;
+        case SendTip::Sent: m_terminal.PrintLine("[message] sent"); break;
+        case SendTip::Failed: m_terminal.PrintLine("[message] sending failed"); break;
+    }
+}
+
+void HeadlessScreens::ShowNewMessages() {
+    m_loop.Post([this] { m_onCommand("new"); });
+}
+
 void HeadlessScreens::ShowMessageBox(std::string_view text, std::string_view caption) {
     PrintNotice("[box] " + std::string(caption) + (caption.empty() ? "" : ": ") + std::string(text));
 }

@@ -34,8 +34,11 @@ class HeadlessScreens final : public Screens, public Notices {
     void SetSignalLevel(int level) override;
     void Repaint() override;
     void EnableWindow(bool) override {}
+    bool IsWindowEnabled() const override { return true; }
     void PlaceWindow(WindowPlace place) override;
     void Warn(WarnCode code) override;
+    void ShowSendTip(SendTip tip) override;
+    void ShowNewMessages() override;
     std::optional<CodeEntry> AskCodes(const CodeRequest& request) override;
     void CancelPrompts() override;
 

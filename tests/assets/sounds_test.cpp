@@ -6,7 +6,7 @@
 
 #include "platform/linux/linux_unit_files.h"
 #include "platform/linux/wav_sound.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {
@@ -26,9 +26,9 @@ class SoundFile : public testing::TestWithParam<Expected> {
         const auto read = ReadWav(*file);
         ASSERT_TRUE(read);
         sound = *read;
-        for (std::size_t i = 0; i + 1 < sound.bytes.size(); i += 2) {
-            const auto low = static_cast<std::uint8_t>(sound.bytes[i]);
-            const auto high = static_cast<std::uint8_t>(sound.bytes[i + 1]);
+        for (std::size_t i = 0; i + 1 < sound.samples.size(); i += 2) {
+            const auto low = static_cast<std::uint8_t>(sound.samples[i]);
+            const auto high = static_cast<std::uint8_t>(sound.samples[i + 1]);
             samples.push_back(static_cast<std::int16_t>(high << 8 | low));
         }
     }
@@ -46,7 +46,7 @@ class SoundFile : public testing::TestWithParam<Expected> {
 };
 
 TEST_P(SoundFile, IsHeardAndDoesNotClick) {
-    EXPECT_EQ(sound.format, AUDIO_S16LSB);
+    EXPECT_EQ(sound.bits, 16);
     EXPECT_EQ(sound.channels, 1);
     EXPECT_EQ(sound.rate, 22'050);
     const double seconds = static_cast<double>(samples.size()) / sound.rate;

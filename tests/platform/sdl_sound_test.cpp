@@ -9,8 +9,8 @@
 
 #include "platform/linux/linux_runtime.h"
 #include "platform/linux/wav_sound.h"
-#include "tests/platform/scratch.h"
 #include "tests/support/memory_files.h"
+#include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {
@@ -44,23 +44,23 @@ std::string Samples(std::uint16_t value, std::size_t count) {
     return samples;
 }
 
-// What the other threads of this program have waited for so far, and how many there are.
-struct OtherThreads {
-    int count = -1;
-    long wakeUps = 0;
+// How many threads this program has, and how often the one that plays has waited.
+struct Threads {
+    int count = 0;
+    long soundWaits = 0;
 };
 
-OtherThreads Others() {
-    OtherThreads others;
+Threads Look() {
+    Threads threads;
     for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
-        ++others.count;
+        ++threads.count;
+        if (test::FileContent(thread.path() / "comm") != "sound\n") continue;
         std::ifstream status(thread.path() / "status");
         for (std::string word; status >> word;) {
-            long switches = 0;
-            if (word == "voluntary_ctxt_switches:" && status >> switches) others.wakeUps += switches;
+            if (word == "voluntary_ctxt_switches:") status >> threads.soundWaits;
         }
     }
-    return others;
+    return threads;
 }
 
 // The sound server is a file; the device is SDL's "disk" with a millisecond for each buffer of 46.
@@ -84,7 +84,7 @@ class SdlSoundTest : public testing::Test {
     }
     // Only the sound thread is there, and it waits.
     bool Quiet() {
-        return Until([this] { return Others().count == threads; });
+        return Until([this] { return Look().count == threads; });
     }
     std::size_t Heard(char byte) const {
         const std::string content = test::FileContent(output);
@@ -105,7 +105,7 @@ class SdlSoundTest : public testing::Test {
                        std::lock_guard lock(mutex);
                        problems.emplace_back(problem);
                    }};
-    const int threads = Others().count;
+    const int threads = Look().count;
 };
 
 TEST_F(SdlSoundTest, PlaysAFileOnceAndSleepsAgain) {
@@ -114,15 +114,17 @@ TEST_F(SdlSoundTest, PlaysAFileOnceAndSleepsAgain) {
     EXPECT_TRUE(sound.PlaySound("short", SoundMode::Once));
     EXPECT_TRUE(Until([&] { return Heard(0x11) == 2205; }));
     EXPECT_TRUE(Quiet());
-    EXPECT_EQ(test::FileContent(output).substr(0, 4410), Samples(0x1111, 2205));
+    const std::string content = test::FileContent(output);
+    EXPECT_TRUE(content.find(Samples(0x1111, 2205)) != std::string::npos) << "in one piece";
     EXPECT_EQ(Heard(0x11), 2205u) << "once";
     struct sigaction after {};
     sigaction(SIGINT, nullptr, &after);
     EXPECT_EQ(after.sa_handler, before.sa_handler);
 
-    const long wakeUps = Others().wakeUps;
+    const long waits = Look().soundWaits;
+    EXPECT_GT(waits, 0);
     runtime.Sleep(300);
-    EXPECT_LE(Others().wakeUps - wakeUps, 1) << "this thread's own";
+    EXPECT_EQ(Look().soundWaits, waits) << "no wake-up";
     EXPECT_EQ(Problems(), std::vector<std::string>());
 }
 
@@ -149,7 +151,7 @@ TEST_F(SdlSoundTest, OpensTheDeviceAnewForAnotherKindOfSamples) {
     files.WriteWhole("bytes", Wav(std::string(4000, '\x44'), {.rate = 8000, .bits = 8}));
     for (const char* const name : {"short", "stereo", "bytes"}) {
         EXPECT_TRUE(sound.PlaySound(name, SoundMode::Once));
-        EXPECT_TRUE(Until([&] { return Others().count > threads; })) << name;
+        EXPECT_TRUE(Until([&] { return Look().count > threads; })) << name;
     }
     EXPECT_TRUE(Until([&] { return Heard(0x44) == 2000; }));
     EXPECT_TRUE(Quiet());
@@ -188,7 +190,7 @@ TEST_F(SdlSoundTest, IsSilentForFilesThatAreNoSound) {
             std::string damaged = good;
             damaged[at] = static_cast<char>(value);
             if (const auto read = ReadWav(damaged)) {
-                EXPECT_LE(read->bytes.size(), WavSound::longestSeconds * read->BytesPerSecond());
+                EXPECT_LE(read->samples.size(), WavSound::longestSeconds * read->BytesPerSecond());
             }
         }
     }

@@ -30,14 +30,14 @@ TEST(BringUp, SendsExactlyTheRequiredSequence) {
     EXPECT_THAT(driven,
                 ElementsAre("RequireDisableKeySuspend 0", "RequireDisableAutoSuspend 0", "SetTmcPower 1",
                             "Set3GPower 1", "ReleaseDisableKeySuspend 0", "ReleaseDisableAutoSuspend 0"));
-    EXPECT_THAT(sent,
-                ElementsAre("AT+URCIND=1", "AT+MODODR=2", "AT+IPR=115200", "AT+CPIN?", "AT+CSQ",
-                            "AT+CSCS=\"GSM\"", "AT+CSCA?", "AT+CPMS=\"SM\",\"SM\",\"SM\"", "AT+CMGF=0",
-                            "AT+CNMI=2,1", "AT+CLIP=1", "AT+SIDET=0", "AT+ECHO=8,512", "AT+ECHO=9,60",
-                            "AT+ECHO=12,10000", "AT+ECHO=16,18000", "AT+ECHO=17,3000", "AT+ECHO=19,300",
-                            "AT+ECHO=20,300", "AT+ECHO=21,1024", "AT+ECHO=22,512", "AT+ECHO=23,512",
-                            "AT+ECHO=27,900", "AT+ECHO=28,13000", "AT+CSCS=\"UCS2\"", "AT+CPBS = \"SM\"",
-                            "AT+CPBW=?", "AT+CPBS?", "AT+CIMI", "AT+GSN", "AT+CSQ", "AT+CSCS=\"GSM\""));
+    EXPECT_THAT(sent, ElementsAre("AT+URCIND=1", "AT+MODODR=2", "AT+IPR=115200", "AT+CPIN?", "AT+CSQ",
+                                  "AT+CSCS=\"GSM\"", "AT+CSCA?", "AT+CSCA=\"+8613800100500\"",
+                                  "AT+CPMS=\"SM\",\"SM\",\"SM\"", "AT+CMGF=0", "AT+CNMI=2,1", "AT+CLIP=1",
+                                  "AT+SIDET=0", "AT+ECHO=8,512", "AT+ECHO=9,60", "AT+ECHO=12,10000",
+                                  "AT+ECHO=16,18000", "AT+ECHO=17,3000", "AT+ECHO=19,300", "AT+ECHO=20,300",
+                                  "AT+ECHO=21,1024", "AT+ECHO=22,512", "AT+ECHO=23,512", "AT+ECHO=27,900",
+                                  "AT+ECHO=28,13000", "AT+CSCS=\"UCS2\"", "AT+CPBS = \"SM\"", "AT+CPBW=?",
+                                  "AT+CPBS?", "AT+CIMI", "AT+GSN", "AT+CSQ", "AT+CSCS=\"GSM\""));
 
     EXPECT_EQ(bench.dialog->State().m_strImsi.Get(), "460001234567890");
     EXPECT_EQ(bench.dialog->State().m_strImei.Get(), "867959030000017");

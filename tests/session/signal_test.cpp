@@ -122,9 +122,10 @@ TEST(OneShotWatchTest, EndsWhatHasNoFinalResult) {
     bench.log.Open("log", 1 << 20, LogLevel::Debug);
     NoDataConnection data(bench.log);
     NoCallControl calls(bench.log);
-    NoMessageHandling messages(bench.log);
     Worker worker(bench.runtime, "link");
-    SignalWatch signal(session, data, worker);
+    CommandTurn turn(bench.runtime, at);
+    SignalWatch signal(session, turn, data, worker);
+    MessageHandling messages(session, turn, calls, signal);
     OneShotWatch watch(session, calls, messages, signal);
 
     const Ticks now = bench.runtime.GetTickCount();
@@ -141,7 +142,7 @@ TEST(OneShotWatchTest, EndsWhatHasNoFinalResult) {
     EXPECT_FALSE(at.OneShotPending());
     const std::string log = bench.files.Content("log.ini");
     EXPECT_THAT(log, HasSubstr("[OnCallHooked]"));
-    EXPECT_THAT(log, HasSubstr("[OnSendState]"));
+    EXPECT_EQ(bench.screens.Count("tip 3"), 1);
 
     at.ussdPending.Set(bench.runtime.GetTickCount());
     watch.Watch();

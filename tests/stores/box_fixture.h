@@ -9,7 +9,7 @@
 #include "platform/linux/linux_runtime.h"
 #include "platform/linux/linux_unit_files.h"
 #include "stores/message_box.h"
-#include "tests/platform/scratch.h"
+#include "tests/support/scratch.h"
 
 namespace varkel::test {
 

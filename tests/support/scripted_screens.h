@@ -24,6 +24,9 @@ class ScriptedScreens final : public Screens {
     void SetSignalLevel(int level) override { Note("signal " + std::to_string(level)); }
     void Repaint() override {}
     void EnableWindow(bool enable) override { Note(enable ? "enabled" : "disabled"); }
+    bool IsWindowEnabled() const override { return true; }
+    void ShowSendTip(SendTip tip) override { Note("tip " + std::to_string(static_cast<int>(tip))); }
+    void ShowNewMessages() override { Note("new messages"); }
     void PlaceWindow(WindowPlace place) override { Note("place " + std::to_string(static_cast<int>(place))); }
     void Warn(WarnCode code) override { Note("warn " + std::to_string(static_cast<int>(code))); }
 

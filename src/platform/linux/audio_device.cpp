@@ -15,7 +15,7 @@ std::string AudioDevice::Open(const WavSound& sound) {
     }
     SDL_AudioSpec spec{};
     spec.freq = sound.rate;
-    spec.format = sound.format;
+    spec.format = sound.bits == 8 ? AUDIO_U8 : AUDIO_S16LSB;
     spec.channels = static_cast<Uint8>(sound.channels);
     spec.samples = 1024;
     m_device = SDL_OpenAudioDevice(nullptr, 0, &spec, nullptr, 0);
@@ -24,8 +24,11 @@ std::string AudioDevice::Open(const WavSound& sound) {
         SDL_AudioQuit();
         return fault;
     }
-    SDL_PauseAudioDevice(m_device, 0);
     return {};
+}
+
+void AudioDevice::Start() {
+    SDL_PauseAudioDevice(m_device, 0);
 }
 
 void AudioDevice::Close() {

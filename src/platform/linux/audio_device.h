@@ -1,6 +1,7 @@
 // The system's audio output while something plays.
 #pragma once
 
+#include <SDL_audio.h>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -18,8 +19,10 @@ class AudioDevice {
     AudioDevice& operator=(const AudioDevice&) = delete;
     ~AudioDevice() { Close(); }
 
-    // Opens the default output for samples of that kind; "", or why there is none.
+    // Opens the default output for samples of that kind, which waits until it is started; "", or why there is
+    // none.
     std::string Open(const WavSound& sound);
+    void Start();
     // Lets the samples that the device has already taken sound out.
     void Close();
     bool IsOpen() const { return m_device != 0; }

@@ -1,6 +1,7 @@
 #include "platform/linux/sdl_sound.h"
 
 #include <SDL_hints.h>
+#include <SDL_thread.h>
 #include <algorithm>
 #include <mutex>
 #include <optional>
@@ -55,6 +56,8 @@ class SdlSound::Player {
         }
         m_device.ForgetQueued();
         m_device.Close();
+        // SDL keeps the last fault of each thread.
+        SDL_TLSCleanup();
     }
 
   private:
@@ -71,14 +74,16 @@ class SdlSound::Player {
         m_mode = order.mode;
         if (m_mode == SoundMode::Loop) Lengthen();
         m_began = m_runtime.GetTickCount();
-        if (same || OpenDevice()) m_device.Queue(m_sound.bytes);
+        if (!same && !OpenDevice()) return;
+        m_device.Queue(m_sound.samples);
+        m_device.Start();
     }
 
     // A loop is queued lap by lap, and so a lap lasts a second at least.
     void Lengthen() {
-        const std::string lap = m_sound.bytes;
-        while (m_sound.bytes.size() < m_sound.BytesPerSecond())
-            m_sound.bytes += lap;
+        const std::string lap = m_sound.samples;
+        while (m_sound.samples.size() < m_sound.BytesPerSecond())
+            m_sound.samples += lap;
     }
 
     bool OpenDevice() {
@@ -98,9 +103,9 @@ class SdlSound::Player {
         constexpr Ticks late = 2000;  // no device plays longer than that beyond a sound's length
         constexpr Ticks margin = 20;
         const std::size_t queued = m_device.Queued();
-        const Ticks length = Time(m_sound.bytes.size());
+        const Ticks length = Time(m_sound.samples.size());
         if (m_mode == SoundMode::Loop) {
-            if (queued < m_sound.bytes.size() && !m_device.Queue(m_sound.bytes)) m_device.Close();
+            if (queued < m_sound.samples.size() && !m_device.Queue(m_sound.samples)) m_device.Close();
             return length / 2;
         }
         if (queued > 0 && TicksSince(m_runtime.GetTickCount(), m_began) < length + late)
@@ -134,7 +139,6 @@ SdlSound::SdlSound(Runtime& runtime, UnitFiles& files, ProblemSink onProblem)
       m_player(std::make_shared<Player>(runtime, std::move(onProblem))),
       m_thread(runtime.CreateThread({.name = "sound"}, [player = m_player] { player->Run(); })) {
     SDL_SetHint(SDL_HINT_AUDIO_DEVICE_APP_NAME, "Varkel");
-    SDL_SetHint(SDL_HINT_WAVE_TRUNCATION, "verystrict");
 }
 
 SdlSound::~SdlSound() {

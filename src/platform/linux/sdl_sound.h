@@ -10,8 +10,8 @@
 
 namespace varkel {
 
-// WAV files of at most 8 MiB and 30 s, mono or stereo. A thread of its own plays them; while nothing plays it
-// sleeps, and neither a device nor a connection to a sound server is open. Without a device there is
+// WAV files of at most 8 MiB and 30 s, PCM, mono or stereo. A thread of its own plays them; while nothing
+// plays it sleeps, and neither a device nor a connection to a sound server is open. Without a device there is
 // silence, which is reported once and tried again with the next sound. One in a program.
 class SdlSound final : public Sound {
   public:

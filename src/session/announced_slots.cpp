@@ -1,0 +1,72 @@
+#include "session/announced_slots.h"
+
+namespace varkel {
+
+void AnnouncedSlots::Queue(SimSlot slot) {
+    State& state = At(slot);
+    if (state.queued) return;
+    state.queued = true;
+    state.givenUp = false;
+    m_queue.push_back(slot);
+}
+
+void AnnouncedSlots::Announce(SimSlot slot) {
+    std::lock_guard lock(m_mutex);
+    m_last = slot;
+    At(slot).held = true;
+    At(slot).attempts = 0;
+    Queue(slot);
+    for (int number = 0; number <= SimSlot::largest; ++number) {
+        const auto other = SimSlot::From(number);
+        if (!At(*other).givenUp) continue;
+        At(*other).attempts = 0;
+        Queue(*other);
+    }
+}
+
+std::optional<SimSlot> AnnouncedSlots::TakeNext() {
+    std::lock_guard lock(m_mutex);
+    if (m_queue.empty()) return std::nullopt;
+    const SimSlot slot = m_queue.front();
+    m_queue.pop_front();
+    At(slot).queued = false;
+    return slot;
+}
+
+void AnnouncedSlots::Done(SimSlot slot) {
+    std::lock_guard lock(m_mutex);
+    // A message that took the slot while the last one was being read is still to be read.
+    if (!At(slot).queued) At(slot) = {};
+}
+
+bool AnnouncedSlots::Failed(SimSlot slot) {
+    std::lock_guard lock(m_mutex);
+    State& state = At(slot);
+    if (state.queued) return true;
+    state.givenUp = ++state.attempts >= mostAttempts;
+    if (!state.givenUp) Queue(slot);
+    return !state.givenUp;
+}
+
+void AnnouncedSlots::GiveUp(SimSlot slot) {
+    std::lock_guard lock(m_mutex);
+    if (!At(slot).queued) At(slot).givenUp = true;
+}
+
+std::optional<SimSlot> AnnouncedSlots::Last() const {
+    std::lock_guard lock(m_mutex);
+    return m_last;
+}
+
+bool AnnouncedSlots::Holds(SimSlot slot) const {
+    std::lock_guard lock(m_mutex);
+    return m_slots[static_cast<std::size_t>(slot.Number())].held;
+}
+
+void AnnouncedSlots::Clear() {
+    std::lock_guard lock(m_mutex);
+    m_slots = {};
+    m_queue.clear();
+}
+
+}  // namespace varkel

@@ -1,0 +1,56 @@
+// The SIM slots whose messages the modem has announced and nobody has kept yet.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <optional>
+
+#include "modem/at_values.h"
+
+namespace varkel {
+
+// Slots are announced on the read thread and read on the worker; any thread may ask. A slot stands at most
+// once in the queue, which is therefore never longer than there are slots.
+class AnnouncedSlots {
+  public:
+    // Puts the slot at the end of the queue. Slots that were given up are tried again after it.
+    void Announce(SimSlot slot);
+    // The slot to read next; it stays announced until the reading is Done or Failed.
+    std::optional<SimSlot> TakeNext();
+    // Its message is kept, or cannot be.
+    void Done(SimSlot slot);
+    // Its message could not be read or kept. It is tried again at the end of the queue, `mostAttempts` times
+    // in all; then it waits for the next announcement. False when it was given up for now.
+    bool Failed(SimSlot slot);
+    // Waits for the next announcement at once.
+    void GiveUp(SimSlot slot);
+    // The last slot that was announced; it is never forgotten.
+    std::optional<SimSlot> Last() const;
+
+    // A message in it was announced and is not kept: it must not be deleted.
+    bool Holds(SimSlot slot) const;
+    // Another SIM or a module that starts anew: nothing is announced.
+    void Clear();
+
+    static constexpr int mostAttempts = 3;
+
+  private:
+    struct State {
+        bool held = false;
+        bool queued = false;
+        bool givenUp = false;  // held, and waiting for the next announcement
+        std::uint8_t attempts = 0;
+    };
+
+    State& At(SimSlot slot) { return m_slots[static_cast<std::size_t>(slot.Number())]; }
+    void Queue(SimSlot slot);
+
+    mutable std::mutex m_mutex;
+    std::array<State, SimSlot::largest + 1> m_slots{};
+    std::deque<SimSlot> m_queue;
+    std::optional<SimSlot> m_last;
+};
+
+}  // namespace varkel

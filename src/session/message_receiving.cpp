@@ -1,0 +1,203 @@
+#include "session/message_receiving.h"
+
+#include <utility>
+
+#include "modem/sms_pdu.h"
+#include "platform/text.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr Ticks storagePause = 200;
+constexpr Ticks formatPause = 200;
+constexpr Ticks readPause = 100;
+constexpr Ticks longestAnswer = 5000;
+constexpr Ticks slice = 20;
+constexpr Ticks beforeSound = 2000;
+constexpr Ticks afterSound = 1000;
+constexpr Ticks deletePause = 1000;
+constexpr std::string_view messageSound = "\\ResidentFlash2\\bin\\msg.wav";
+
+}  // namespace
+
+MessageReceiving::MessageReceiving(Session& session, CommandTurn& turn, CallControl& calls, MessageBox& inbox,
+                                   Worker& worker)
+    : m_session(session), m_turn(turn), m_calls(calls), m_inbox(inbox), m_worker(worker) {}
+
+bool MessageReceiving::OnMsComeIn(std::string_view text) {
+    constexpr std::string_view keyword = "+CMTI:";
+    constexpr std::size_t slotAt = 12;  // behind +CMTI: "SM",
+    m_session.platform.log.Trace("[BTNEV]OnMsComeIn");
+    bool announced = false;
+    // One event is raised for a chunk, whatever it holds: all its announcements are looked for here.
+    for (std::size_t at = 0; at != std::string_view::npos; at = text.find(keyword, at + 1)) {
+        const std::string_view line = text.substr(at, text.find("\r\n", at) - at);
+        int number = 0;
+        if (line.size() < slotAt || !ParseInt(line.substr(slotAt), number)) continue;
+        if (const auto slot = SimSlot::From(number)) {
+            m_slots.Announce(*slot);
+            announced = true;
+        }
+    }
+    return announced;
+}
+
+void MessageReceiving::OnMsContent(std::string_view text) {
+    m_session.platform.log.Trace("[BTNEV]OnMsContent");
+    if (!m_readPending.exchange(false)) return;
+    FixedText<1024> answer;
+    answer.Assign(text.substr(0, 1023));
+    m_answer.Set(answer);
+}
+
+template <class Send>
+bool MessageReceiving::Quietly(Send send, Ticks pause) {
+    while (m_session.at.LinkUp()) {
+        if (m_turn.TryQuietly(send)) return m_worker.Pause(pause);
+        if (!m_worker.Pause(slice)) break;
+    }
+    return false;
+}
+
+bool MessageReceiving::ReadNext() {
+    const auto slot = m_slots.TakeNext();
+    if (!slot) return false;
+    switch (Read(*slot)) {
+        case Reading::Kept: m_slots.Done(*slot); break;
+        case Reading::NotKept: m_slots.GiveUp(*slot); break;
+        case Reading::NoAnswer:
+            if (!m_slots.Failed(*slot)) {
+                m_session.platform.log.Trace("[OnMsContent]--slot %d gives no answer", slot->Number());
+            }
+            break;
+        case Reading::Undecodable:
+            // Perhaps only this answer was cut short on its way.
+            if (m_slots.Failed(*slot)) break;
+            m_session.platform.log.Trace("[OnMsContent]--slot %d holds no message", slot->Number());
+            m_slots.Done(*slot);
+            m_cleaning = true;
+            m_cleanNext = 0;
+            break;
+    }
+    return true;
+}
+
+MessageReceiving::Reading MessageReceiving::Read(SimSlot slot) {
+    CATChannel& at = m_session.at;
+    if (!Quietly([&] { at.cmd_set_sm(); }, storagePause) ||
+        !Quietly([&] { at.cmd_set_pdums(); }, formatPause)) {
+        return Reading::NoAnswer;
+    }
+    m_answer.Set({});
+    m_readPending = true;
+    FixedText<1024> answer;
+    const bool answered = Quietly([&] { at.cmd_readms(slot); }, readPause) && AwaitContent(answer);
+    m_readPending = false;
+    return answered ? Keep(slot, answer.View()) : Reading::NoAnswer;
+}
+
+bool MessageReceiving::AwaitContent(FixedText<1024>& answer) {
+    const Ticks start = m_session.platform.runtime.GetTickCount();
+    for (;;) {
+        // Looked at before the answer, because the final result comes after it.
+        const bool over = !m_session.at.AnswerOutstanding(longestAnswer) ||
+                          TicksSince(m_session.platform.runtime.GetTickCount(), start) >= longestAnswer;
+        answer = m_answer.Get();
+        if (!answer.Empty()) return true;
+        if (over || !m_session.at.LinkUp() || !m_worker.Pause(slice)) return false;
+    }
+}
+
+MessageReceiving::Reading MessageReceiving::Keep(SimSlot slot, std::string_view answer) {
+    constexpr std::string_view lineEnd = "\r\n";
+    const std::size_t headerEnd = answer.find(lineEnd);
+    if (headerEnd == std::string_view::npos) return Reading::Undecodable;
+    const std::string_view pdu = answer.substr(headerEnd + lineEnd.size());
+    SmsPduRecord message;
+    if (DecodeDeliverPdu(m_session.platform.codePage, pdu, message) == 0) return Reading::Undecodable;
+
+    const SmsRecord record = MakeSmsRecord(SmsTimeFromStamp(message.TP_SCTS.View()), message.TPA.View(),
+                                           message.TP_UD.View(), SmsState::Unread);
+    m_session.platform.log.Trace("OnMsContent------Index:%c---Msg.TPA:%s---Msg.TP_UD:%s--Msg.TP_SCTS:%s-\r\n",
+                                 static_cast<char>(record.Index),
+                                 LogText(m_session.platform.log, message.TPA.View()).CStr(),
+                                 LogText(m_session.platform.log, message.TP_UD.View()).CStr(),
+                                 LogText(m_session.platform.log, message.TP_SCTS.View()).CStr());
+    const auto index = static_cast<std::size_t>(slot.Number());
+    const bool known = m_announcedUnkept[index];
+    if (!known) {
+        ++m_session.state.m_nNewMessages;
+        ++m_toAnnounce;
+    }
+    const StoreResult result = m_inbox.Append(record);
+    if (result == StoreResult::VolumeFull) m_session.screens.Warn(WarnCode::NandFull);
+    m_announcedUnkept[index] = result != StoreResult::Done;
+    return result == StoreResult::Done ? Reading::Kept : Reading::NotKept;
+}
+
+bool MessageReceiving::Due() const {
+    return TicksSince(m_session.platform.runtime.GetTickCount(), m_scheduled) >= m_pause;
+}
+
+void MessageReceiving::Schedule(Ticks pause) {
+    m_scheduled = m_session.platform.runtime.GetTickCount();
+    m_pause = pause;
+}
+
+void MessageReceiving::Broadcast(const char* name) {
+    WindowMessages& windows = m_session.platform.windows;
+    windows.PostMessage(WindowHandle::Broadcast, {windows.RegisterWindowMessage(name), 1, 1});
+}
+
+bool MessageReceiving::AnnounceNext() {
+    // A call that began meanwhile comes first.
+    if (m_calls.Busy()) return false;
+    if (m_step == Step::Idle) {
+        if (m_toAnnounce == 0) return false;
+        --m_toAnnounce;
+        if (m_session.state.m_externalClient && m_received) m_received->Set();
+        Broadcast("UM_CALLIN");
+        Schedule(beforeSound);
+        m_step = Step::Called;
+        return true;
+    }
+    if (!Due()) return false;
+    if (m_step == Step::Called) {
+        m_session.platform.sound.PlaySound(messageSound, SoundMode::Once);
+        Schedule(afterSound);
+        m_step = Step::Played;
+        return true;
+    }
+    FinishAnnouncement();
+    return true;
+}
+
+void MessageReceiving::FinishAnnouncement() {
+    Broadcast("UM_CALLHOOKED");
+    m_step = Step::Idle;
+    if (m_session.screens.IsWindowEnabled() && m_session.state.m_nNewMessages >= 1)
+        m_session.screens.ShowNewMessages();
+    m_cleaning = true;
+    m_cleanNext = 0;
+    Schedule(0);
+}
+
+bool MessageReceiving::CleanNext() {
+    if (!m_cleaning || m_step != Step::Idle || m_toAnnounce > 0 || !Due()) return false;
+    // The announced slot itself stays.
+    const auto last = m_slots.Last();
+    if (!last || m_cleanNext >= last->Number() || !m_session.at.LinkUp()) {
+        m_cleaning = false;
+        return false;
+    }
+    const auto slot = SimSlot::From(m_cleanNext);
+    if (slot && !m_slots.Holds(*slot)) {
+        if (!m_turn.TryQuietly([&] { m_session.at.cmd_deletems(*slot); })) return false;
+        Schedule(deletePause);
+    }
+    ++m_cleanNext;
+    return true;
+}
+
+}  // namespace varkel

@@ -1,0 +1,82 @@
+// Received messages: from the announcement of a SIM slot to the record in the inbox, the news of it, and the
+// tidy SIM.
+#pragma once
+
+#include <atomic>
+#include <bitset>
+#include <memory>
+#include <string_view>
+
+#include "modem/at_values.h"
+#include "platform/fixed_text.h"
+#include "platform/guarded.h"
+#include "session/announced_slots.h"
+#include "session/call_control.h"
+#include "session/command_turn.h"
+#include "session/session.h"
+#include "session/worker.h"
+#include "stores/message_box.h"
+
+namespace varkel {
+
+// The timed steps run on the worker, in turns: every read first, because only a message that is kept is safe;
+// then the announcements, one message after the other; then the clean-up, once for all of them.
+class MessageReceiving {
+  public:
+    MessageReceiving(Session& session, CommandTurn& turn, CallControl& calls, MessageBox& inbox,
+                     Worker& worker);
+
+    // The event that a program for which the controller works waits for. Before the first message.
+    void SetReceivedEvent(std::shared_ptr<Event> received) { m_received = std::move(received); }
+
+    // "+CMTI:"; true when there is something to read. Read thread.
+    bool OnMsComeIn(std::string_view text);
+    // "+CMGR:". Read thread.
+    void OnMsContent(std::string_view text);
+    // What was announced of this SIM is void. Any thread.
+    void OnModuleClosed() { m_slots.Clear(); }
+
+    // The worker's turns; each does at most one step and returns false when there was none to do now.
+    bool ReadNext();
+    bool AnnounceNext();
+    bool CleanNext();
+    // A step is waiting for its time.
+    bool Waiting() const { return m_toAnnounce > 0 || m_step != Step::Idle || m_cleaning; }
+
+  private:
+    // Of the announcement that is under way.
+    enum class Step { Idle, Called, Played };
+    enum class Reading { Kept, NotKept, Undecodable, NoAnswer };
+
+    Reading Read(SimSlot slot);
+    bool AwaitContent(FixedText<1024>& answer);
+    Reading Keep(SimSlot slot, std::string_view answer);
+    template <class Send>
+    bool Quietly(Send send, Ticks pause);
+    void Broadcast(const char* name);
+    bool Due() const;
+    void Schedule(Ticks pause);
+    void FinishAnnouncement();
+
+    Session& m_session;
+    CommandTurn& m_turn;
+    CallControl& m_calls;
+    MessageBox& m_inbox;
+    Worker& m_worker;
+    std::shared_ptr<Event> m_received;
+
+    AnnouncedSlots m_slots;
+    std::atomic<bool> m_readPending = false;
+    Guarded<FixedText<1024>> m_answer;
+
+    // The worker's alone.
+    std::bitset<SimSlot::largest + 1> m_announcedUnkept;  // announced, and not in the inbox for want of space
+    int m_toAnnounce = 0;
+    Step m_step = Step::Idle;
+    bool m_cleaning = false;
+    int m_cleanNext = 0;
+    Ticks m_scheduled = 0;  // when the next step of announcement or clean-up was put off, and for how long
+    Ticks m_pause = 0;
+};
+
+}  // namespace varkel
