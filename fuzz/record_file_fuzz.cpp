@@ -1,7 +1,8 @@
 // A message box over a file of any content, and changes of any order: whole records stay byte for byte.
 #include <cassert>
+#include <cstring>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "fuzz/input.h"
 #include "stores/message_box.h"
@@ -16,19 +17,14 @@ const std::string path = "NandFlash\\System\\Phone\\InboxMs.msm";
 constexpr std::size_t recordBytes = 194;
 constexpr std::size_t capacity = 150;
 
-// What a box should hold, on its own arithmetic.
-using Texts = std::vector<std::string>;
-
-Texts WholeRecords(const std::string& file) {
-    Texts texts;
-    for (std::size_t at = 0; at + recordBytes <= file.size(); at += recordBytes)
-        texts.push_back(file.substr(at, recordBytes));
-    return texts;
+// What a box should hold, on its own arithmetic: the records' bytes in a row.
+std::string WholeRecords(std::string file) {
+    file.resize(file.size() / recordBytes * recordBytes);
+    return file;
 }
 
-Texts TextsOf(const MessageBox::List& list) {
-    const auto* const bytes = reinterpret_cast<const char*>(list.data());
-    return WholeRecords(std::string(bytes, list.size() * recordBytes));
+std::string BytesOf(const MessageBox::List& list) {
+    return {reinterpret_cast<const char*>(list.data()), list.size() * recordBytes};
 }
 
 std::string FilledUp(std::string_view piece) {
@@ -37,16 +33,27 @@ std::string FilledUp(std::string_view piece) {
     return text;
 }
 
-// The place of the record that was seen there, or of one like it on the way to the front, or behind; -1.
-std::ptrdiff_t Find(const Texts& texts, const std::string& seen, std::size_t position) {
-    const auto alike = [&](std::size_t i) { return texts[i].substr(0, 193) == seen.substr(0, 193); };
-    for (std::size_t i = std::min(position + 1, texts.size()); i-- > 0;) {
-        if (alike(i)) return static_cast<std::ptrdiff_t>(i);
+// A short input makes a full box, with records that are alike.
+std::string Repeated(std::string_view piece, int times) {
+    std::string bytes(piece);
+    for (int i = 0; i < times && bytes.size() < (capacity + 10) * recordBytes; ++i)
+        bytes += piece;
+    return bytes;
+}
+
+// Where the record that was seen at `position` stands, or one like it on the way to the front, or behind.
+std::optional<std::size_t> Find(std::string_view records, std::string_view seen, std::size_t position) {
+    const std::size_t count = records.size() / recordBytes;
+    const auto alike = [&](std::size_t i) {
+        return records.substr(i * recordBytes, recordBytes - 1) == seen.substr(0, recordBytes - 1);
+    };
+    for (std::size_t i = std::min(position + 1, count); i-- > 0;) {
+        if (alike(i)) return i;
     }
-    for (std::size_t i = position + 1; i < texts.size(); ++i) {
-        if (alike(i)) return static_cast<std::ptrdiff_t>(i);
+    for (std::size_t i = position + 1; i < count; ++i) {
+        if (alike(i)) return i;
     }
-    return -1;
+    return std::nullopt;
 }
 
 struct Bench {
@@ -61,12 +68,12 @@ struct Bench {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     static Bench bench;  // without state of its own: all of it stands in the file
     FuzzInput input(bytes, size);
-    bench.files.WriteWhole(path, input.Piece());
+    bench.files.WriteWhole(path, Repeated(input.Piece(), input.Byte()));
     MessageBox::List shown = bench.box.FindSmsRecord();
-    for (int change = 0; change < 40 && !input.Empty(); ++change) {
+    for (int change = 0; change < 12 && !input.Empty(); ++change) {
         const std::string before = bench.files.Content(path);
-        Texts expected = WholeRecords(before);
-        assert(TextsOf(bench.box.FindSmsRecord()) == expected);
+        std::string expected = WholeRecords(before);
+        assert(BytesOf(bench.box.FindSmsRecord()) == expected);
         StoreResult result = StoreResult::NotFound;
         const std::uint8_t what = input.Byte();
         if (what % 8 == 0) {
@@ -85,17 +92,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             bench.files.freeBytes = what < 16 ? 0 : 1 << 20;
             result = bench.box.Append(record);
             assert(result == (what < 16 ? StoreResult::VolumeFull : StoreResult::Done));
-            expected.push_back(text);
+            expected += text;
         } else {
             const std::size_t row = input.Byte();
             const bool marks = what % 8 == 5;
             result = marks ? bench.box.MarkRead(shown, row) : bench.box.Delete(shown, row);
             const std::size_t position = shown.size() - 1 - row;
-            const auto at = row < shown.size() ? Find(expected, TextsOf(shown)[position], position) : -1;
-            assert(result == (at < 0 ? StoreResult::NotFound : StoreResult::Done));
-            if (at >= 0 && !marks) expected.erase(expected.begin() + at);
-            if (at >= 0 && marks) {
-                char& state = expected[static_cast<std::size_t>(at)].back();
+            const auto at =
+                row < shown.size() ? Find(expected, BytesOf({shown[position]}), position) : std::nullopt;
+            assert(result == (at ? StoreResult::Done : StoreResult::NotFound));
+            if (at && !marks) expected.erase(*at * recordBytes, recordBytes);
+            if (at && marks) {
+                char& state = expected[(*at + 1) * recordBytes - 1];
                 if (state == 'u') state = '0';
             }
         }
@@ -104,9 +112,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             assert(after == before);
             continue;
         }
-        if (expected.size() > capacity)
-            expected.erase(expected.begin(), expected.end() - static_cast<std::ptrdiff_t>(capacity));
-        assert(after.size() % recordBytes == 0 && WholeRecords(after) == expected);
+        if (expected.size() > capacity * recordBytes)
+            expected.erase(0, expected.size() - capacity * recordBytes);
+        assert(after == expected);
     }
     return 0;
 }

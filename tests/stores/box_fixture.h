@@ -15,7 +15,8 @@ namespace varkel::test {
 
 // Message `number` of a sequence in which each differs from all others.
 inline SmsRecord Message(int number, SmsState state = SmsState::Unread) {
-    const std::string text = "message " + std::to_string(number) + " " + std::string(number % 100u, 'x');
+    const std::string text =
+        "message " + std::to_string(number) + " " + std::string(static_cast<std::size_t>(number % 100), 'x');
     return MakeSmsRecord(SmsTimeFromStamp("0903071805"), std::to_string(13800138000 + number), text, state);
 }
 
@@ -32,7 +33,7 @@ inline MessageBox::List Messages(int first, int last) {
 }
 
 struct BoxesOnDisk {
-    ScratchDirectory scratch;
+    ScratchDirectory scratch{"/dev/shm"};
     std::string directory = scratch / "flash/NandFlash/System/Phone";
     LinuxRuntime runtime;
     LinuxUnitFiles files{scratch / "flash", scratch / "assets"};

@@ -13,14 +13,13 @@
 
 namespace varkel::test {
 
-// A new empty directory, removed with all it holds.
+// A new empty directory, removed with all it holds. In "/dev/shm" it is never on a disk, for tests that write
+// a lot.
 class ScratchDirectory {
   public:
-    ScratchDirectory() {
-        char name[] = "/tmp/varkel-test-XXXXXX";
-        [[maybe_unused]] const char* const made = mkdtemp(name);
+    explicit ScratchDirectory(const std::string& parent = "/tmp") : m_path(parent + "/varkel-test-XXXXXX") {
+        [[maybe_unused]] const char* const made = mkdtemp(m_path.data());
         assert(made);
-        m_path = name;
     }
     ~ScratchDirectory() {
         std::error_code error;

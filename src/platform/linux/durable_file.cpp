@@ -11,7 +11,7 @@ namespace varkel {
 
 namespace {
 
-const std::string reserveName = "reserve~";
+constexpr const char* reserveName = "reserve~";
 
 FileDescriptor OpenIn(int directory, const std::string& name, int flags) {
     return FileDescriptor(Uninterrupted([&] {
