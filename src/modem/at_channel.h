@@ -179,7 +179,8 @@ class CATChannel {
     void Process_event(Keyword keyword, std::string_view param);
     void OnFinalError();
     void OnFinalOk();
-    void CountFinalResult();
+    // All results of the text: each is an answer, though they raise one event.
+    void CountFinalResults(std::string_view text, std::string_view result);
     void OnPrompt();
     void ReportSendResult(bool sent);
 

@@ -33,7 +33,7 @@ class CommandLine {
 constexpr char ctrlZ = 0x1A;
 constexpr std::string_view escape = "\x1B";
 // A final result that has not come by then never will.
-constexpr Ticks answerForgotten = 10'000;
+constexpr Ticks answerForgotten = 5000;
 
 // The procedures that change or unblock a PIN carry codes (3GPP TS 22.030, 6.6).
 bool ChangesCode(std::string_view dialString) {

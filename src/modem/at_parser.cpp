@@ -10,6 +10,8 @@ namespace varkel {
 
 namespace {
 
+constexpr std::string_view okResult = "OK\r\n";
+
 // Whether the rest of the keyword's answer is to be awaited when a chunk ends within it.
 bool MayBeSplit(Keyword keyword) {
     return keyword == Keyword::Cimi || keyword == Keyword::Gsn || keyword == Keyword::Cusd;
@@ -77,7 +79,7 @@ void CATChannel::ProcessRcv(std::string_view chunk) {
                     m_accumulated.begin() + static_cast<std::ptrdiff_t>(m_accumulatedLength));
         m_accumulatedLength += count;
         const Keyword complete = std::exchange(m_pending, Keyword::Csq);
-        if (complete != Keyword::Cusd) CountFinalResult();
+        CountFinalResults(chunk, okResult);
         Process_event(complete, {m_accumulated.data(), m_accumulatedLength});
     } else {
         SearchAndDispatch(chunk);
@@ -158,8 +160,14 @@ void CATChannel::Process_event(Keyword keyword, std::string_view param) {
         case Keyword::Ring:
             if (m_ringAllowed && m_handlers.OnRing) m_handlers.OnRing(owner, param);
             break;
-        case Keyword::Error: OnFinalError(); break;
-        case Keyword::Ok: OnFinalOk(); break;
+        case Keyword::Error:
+            CountFinalResults(param, "ERROR");
+            OnFinalError();
+            break;
+        case Keyword::Ok:
+            CountFinalResults(param, okResult);
+            OnFinalOk();
+            break;
         default: break;  // CONNECT 1200 and SIM PUK required mean nothing by themselves
     }
 }
@@ -173,15 +181,17 @@ void CATChannel::OnPrompt() {
     if (m_handlers.OnSendMsSuc) m_handlers.OnSendMsSuc(m_owner);
 }
 
-void CATChannel::CountFinalResult() {
-    // Both ends change it: one that would go below none stays there.
+void CATChannel::CountFinalResults(std::string_view text, std::string_view result) {
+    int results = 0;
+    for (std::size_t at = text.find(result); at != std::string_view::npos; at = text.find(result, at + 1))
+        ++results;
+    // The sending side changes it too, and it never goes below none.
     int count = m_unanswered;
-    while (count > 0 && !m_unanswered.compare_exchange_weak(count, count - 1)) {
+    while (count > 0 && !m_unanswered.compare_exchange_weak(count, std::max(count - results, 0))) {
     }
 }
 
 void CATChannel::OnFinalError() {
-    CountFinalResult();
     if (m_cpinAsked.Take()) m_cpinRefused = true;
     if (m_handlers.OnAtResult) m_handlers.OnAtResult(m_owner, AtResult::Finished);
     if (!m_dialWasServiceCode && dialPending.Take() && m_handlers.OnCallHooked)
@@ -192,7 +202,6 @@ void CATChannel::OnFinalError() {
 }
 
 void CATChannel::OnFinalOk() {
-    CountFinalResult();
     if (m_handlers.OnAtResult) m_handlers.OnAtResult(m_owner, AtResult::Finished);
     if (!m_dialWasServiceCode && dialPending.Take() && m_handlers.OnCallEstablished) {
         m_handlers.OnCallEstablished(m_owner);

@@ -1,5 +1,7 @@
 #include "session/announced_slots.h"
 
+#include <algorithm>
+
 namespace varkel {
 
 void AnnouncedSlots::Queue(SimSlot slot) {
@@ -36,7 +38,26 @@ std::optional<SimSlot> AnnouncedSlots::TakeNext() {
 void AnnouncedSlots::Done(SimSlot slot) {
     std::lock_guard lock(m_mutex);
     // A message that took the slot while the last one was being read is still to be read.
-    if (!At(slot).queued) At(slot) = {};
+    if (At(slot).queued) return;
+    At(slot) = {};
+    At(slot).read = true;
+}
+
+void AnnouncedSlots::Deleted(SimSlot slot) {
+    std::lock_guard lock(m_mutex);
+    At(slot).read = false;
+}
+
+bool AnnouncedSlots::Knows(SimSlot slot) const {
+    std::lock_guard lock(m_mutex);
+    const State& state = m_slots[static_cast<std::size_t>(slot.Number())];
+    return state.held || state.read;
+}
+
+int AnnouncedSlots::Known() const {
+    std::lock_guard lock(m_mutex);
+    return static_cast<int>(std::count_if(m_slots.begin(), m_slots.end(),
+                                          [](const State& state) { return state.held || state.read; }));
 }
 
 bool AnnouncedSlots::Failed(SimSlot slot) {

@@ -1,4 +1,5 @@
-// The SIM slots whose messages the modem has announced and nobody has kept yet.
+// What is known of the messages on the SIM: the slots that the modem has announced and nobody has kept yet,
+// and those that were read and are still there.
 #pragma once
 
 #include <array>
@@ -19,8 +20,10 @@ class AnnouncedSlots {
     void Announce(SimSlot slot);
     // The slot to read next; it stays announced until the reading is Done or Failed.
     std::optional<SimSlot> TakeNext();
-    // Its message is kept, or cannot be.
+    // Its message was read: it is kept, or cannot be.
     void Done(SimSlot slot);
+    // It is empty.
+    void Deleted(SimSlot slot);
     // Its message could not be read or kept. It is tried again at the end of the queue, `mostAttempts` times
     // in all; then it waits for the next announcement. False when it was given up for now.
     bool Failed(SimSlot slot);
@@ -31,14 +34,19 @@ class AnnouncedSlots {
 
     // A message in it was announced and is not kept: it must not be deleted.
     bool Holds(SimSlot slot) const;
-    // Another SIM or a module that starts anew: nothing is announced.
+    // A message is known to be in it.
+    bool Knows(SimSlot slot) const;
+    // How many messages are known to be on the SIM.
+    int Known() const;
+    // Another SIM or a module that starts anew: nothing is known.
     void Clear();
 
     static constexpr int mostAttempts = 3;
 
   private:
     struct State {
-        bool held = false;
+        bool held = false;  // announced and not kept
+        bool read = false;  // and still there
         bool queued = false;
         bool givenUp = false;  // held, and waiting for the next announcement
         std::uint8_t attempts = 0;

@@ -34,6 +34,10 @@ void MessageHandling::OnMsComeIn(std::string_view text) {
     if (m_receiving.OnMsComeIn(text)) Wake();
 }
 
+void MessageHandling::OnCpms(std::string_view text) {
+    if (m_receiving.OnCpms(text)) Wake();
+}
+
 bool MessageHandling::SendSMDll(std::string_view number, std::string_view text) {
     const bool queued = m_sending.SendSMDll(number, text);
     if (queued) Wake();
@@ -51,8 +55,8 @@ void MessageHandling::Wake() {
 // Kept messages come first, then the user's own; the rest has time.
 void MessageHandling::Work() {
     while (!m_worker.Ending()) {
-        const bool worked = m_receiving.ReadNext() || m_sending.SendNext() || m_receiving.AnnounceNext() ||
-                            m_receiving.CleanNext();
+        const bool worked = m_receiving.ReadNext() || m_sending.SendNext() || m_receiving.LookNext() ||
+                            m_receiving.AnnounceNext() || m_receiving.CleanNext();
         if (worked) continue;
         if (!m_receiving.Waiting()) return;
         m_worker.Pause(stepSlice);

@@ -21,12 +21,15 @@ class MessageHandling {
     void SetClientEvents(std::shared_ptr<Event> received, std::shared_ptr<Event> sent);
 
     void OnMsComeIn(std::string_view text);
+    void OnCpms(std::string_view text);
     void OnMsContent(std::string_view text) { m_receiving.OnMsContent(text); }
     void OnMsCenterNo(std::string_view text) { m_sending.OnMsCenterNo(text); }
     void OnSendMsSuc() { m_sending.OnSendMsSuc(); }
     void OnSendState(SendState state) { m_sending.OnSendState(state); }
     void OnSendTip() { m_sending.OnSendTip(); }
-    // The module is being shut down. Any thread.
+    // The module is open. Any thread.
+    void OnModuleOpened() { Wake(); }
+    // It is being shut down. Any thread.
     void OnModuleClosed() { m_receiving.OnModuleClosed(); }
 
     // See MessageSending.

@@ -1,5 +1,6 @@
 #include "session/message_receiving.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "modem/sms_pdu.h"
@@ -63,27 +64,69 @@ bool MessageReceiving::Quietly(Send send, Ticks pause) {
 bool MessageReceiving::ReadNext() {
     const auto slot = m_slots.TakeNext();
     if (!slot) return false;
-    switch (Read(*slot)) {
+    switch (Read(*slot, Which::Any)) {
         case Reading::Kept: m_slots.Done(*slot); break;
         case Reading::NotKept: m_slots.GiveUp(*slot); break;
+        case Reading::Empty:
         case Reading::NoAnswer:
-            if (!m_slots.Failed(*slot)) {
-                m_session.platform.log.Trace("[OnMsContent]--slot %d gives no answer", slot->Number());
-            }
+            if (!m_slots.Failed(*slot))
+                m_session.platform.log.Trace("[OnMsContent]--slot %d gives no message", slot->Number());
             break;
         case Reading::Undecodable:
             // Perhaps only this answer was cut short on its way.
             if (m_slots.Failed(*slot)) break;
             m_session.platform.log.Trace("[OnMsContent]--slot %d holds no message", slot->Number());
             m_slots.Done(*slot);
-            m_cleaning = true;
-            m_cleanNext = 0;
+            StartCleaning();
             break;
     }
     return true;
 }
 
-MessageReceiving::Reading MessageReceiving::Read(SimSlot slot) {
+bool MessageReceiving::OnCpms(std::string_view text) {
+    // "+CPMS: used,total,..." or, when it was asked for, "+CPMS: "SM",used,total,...".
+    constexpr std::string_view keyword = "+CPMS:";
+    std::string_view line = text.substr(0, text.find("\r\n"));
+    line = Trimmed(line.substr(std::min(keyword.size(), line.size())));
+    if (line.starts_with('"')) line = line.substr(std::min(line.find(',') + 1, line.size()));
+    const std::size_t comma = line.find(',');
+    int used = 0;
+    int total = 0;
+    if (comma == std::string_view::npos || !ParseInt(line, used) || !ParseInt(line.substr(comma + 1), total))
+        return false;
+    m_simTotal = std::clamp(total, 0, SimSlot::largest);
+    m_simUsed = used;
+    return used > m_slots.Known();
+}
+
+void MessageReceiving::OnModuleClosed() {
+    m_slots.Clear();
+    m_simUsed = 0;
+}
+
+bool MessageReceiving::LookNext() {
+    const bool complete = m_simUsed <= m_slots.Known();
+    const auto slot = SimSlot::From(m_lookNext);
+    if (complete || m_session.state.MainScreenMode == ScreenMode::Closed || !slot ||
+        m_lookNext > m_simTotal) {
+        // A module that counts otherwise is not searched for ever.
+        if (m_lookNext > m_simTotal) m_simUsed = m_slots.Known();
+        m_lookNext = 0;
+        return false;
+    }
+    ++m_lookNext;
+    if (m_slots.Knows(*slot)) return true;
+    switch (Read(*slot, Which::Unread)) {
+        case Reading::Kept: m_slots.Done(*slot); break;
+        case Reading::NotKept: m_slots.GiveUp(*slot); break;
+        case Reading::Undecodable: m_slots.Done(*slot); break;
+        case Reading::Empty:
+        case Reading::NoAnswer: break;
+    }
+    return true;
+}
+
+MessageReceiving::Reading MessageReceiving::Read(SimSlot slot, Which which) {
     CATChannel& at = m_session.at;
     if (!Quietly([&] { at.cmd_set_sm(); }, storagePause) ||
         !Quietly([&] { at.cmd_set_pdums(); }, formatPause)) {
@@ -92,20 +135,26 @@ MessageReceiving::Reading MessageReceiving::Read(SimSlot slot) {
     m_answer.Set({});
     m_readPending = true;
     FixedText<1024> answer;
-    const bool answered = Quietly([&] { at.cmd_readms(slot); }, readPause) && AwaitContent(answer);
+    const bool asked = Quietly([&] { at.cmd_readms(slot); }, readPause);
+    const Reading outcome = asked ? AwaitContent(answer) : Reading::NoAnswer;
     m_readPending = false;
-    return answered ? Keep(slot, answer.View()) : Reading::NoAnswer;
+    if (outcome != Reading::Kept) return outcome;
+    // "+CMGR: 0,..." is a message that was not read before.
+    if (which == Which::Unread && !answer.View().starts_with("+CMGR: 0,")) return Reading::Kept;
+    return Keep(slot, answer.View());
 }
 
-bool MessageReceiving::AwaitContent(FixedText<1024>& answer) {
+// Kept when there is content.
+MessageReceiving::Reading MessageReceiving::AwaitContent(FixedText<1024>& answer) {
     const Ticks start = m_session.platform.runtime.GetTickCount();
     for (;;) {
-        // Looked at before the answer, because the final result comes after it.
-        const bool over = !m_session.at.AnswerOutstanding(longestAnswer) ||
-                          TicksSince(m_session.platform.runtime.GetTickCount(), start) >= longestAnswer;
+        // Looked at before the content, because the final result comes behind it.
+        const bool over = !m_session.at.AnswerOutstanding(longestAnswer);
+        const bool late = TicksSince(m_session.platform.runtime.GetTickCount(), start) >= longestAnswer;
         answer = m_answer.Get();
-        if (!answer.Empty()) return true;
-        if (over || !m_session.at.LinkUp() || !m_worker.Pause(slice)) return false;
+        if (!answer.Empty()) return Reading::Kept;
+        if (over) return Reading::Empty;
+        if (late || !m_session.at.LinkUp() || !m_worker.Pause(slice)) return Reading::NoAnswer;
     }
 }
 
@@ -178,6 +227,10 @@ void MessageReceiving::FinishAnnouncement() {
     m_step = Step::Idle;
     if (m_session.screens.IsWindowEnabled() && m_session.state.m_nNewMessages >= 1)
         m_session.screens.ShowNewMessages();
+    StartCleaning();
+}
+
+void MessageReceiving::StartCleaning() {
     m_cleaning = true;
     m_cleanNext = 0;
     Schedule(0);
@@ -194,6 +247,8 @@ bool MessageReceiving::CleanNext() {
     const auto slot = SimSlot::From(m_cleanNext);
     if (slot && !m_slots.Holds(*slot)) {
         if (!m_turn.TryQuietly([&] { m_session.at.cmd_deletems(*slot); })) return false;
+        if (m_slots.Knows(*slot)) --m_simUsed;
+        m_slots.Deleted(*slot);
         Schedule(deletePause);
     }
     ++m_cleanNext;

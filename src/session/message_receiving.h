@@ -20,7 +20,8 @@
 namespace varkel {
 
 // The timed steps run on the worker, in turns: every read first, because only a message that is kept is safe;
-// then the announcements, one message after the other; then the clean-up, once for all of them.
+// then a look for messages that nobody has announced; then the announcements, one message after the other;
+// then the clean-up, once for all of them.
 class MessageReceiving {
   public:
     MessageReceiving(Session& session, CommandTurn& turn, CallControl& calls, MessageBox& inbox,
@@ -33,11 +34,16 @@ class MessageReceiving {
     bool OnMsComeIn(std::string_view text);
     // "+CMGR:". Read thread.
     void OnMsContent(std::string_view text);
-    // What was announced of this SIM is void. Any thread.
-    void OnModuleClosed() { m_slots.Clear(); }
+    // "+CPMS:"; true when the SIM may hold messages that nobody has announced. Read thread.
+    bool OnCpms(std::string_view text);
+    // What is known of this SIM is void. Any thread.
+    void OnModuleClosed();
 
     // The worker's turns; each does at most one step and returns false when there was none to do now.
     bool ReadNext();
+    // Looks for messages that came while nobody listened: before the module was open, or over a line that was
+    // down. What is deleted later was read before.
+    bool LookNext();
     bool AnnounceNext();
     bool CleanNext();
     // A step is waiting for its time.
@@ -46,10 +52,12 @@ class MessageReceiving {
   private:
     // Of the announcement that is under way.
     enum class Step { Idle, Called, Played };
-    enum class Reading { Kept, NotKept, Undecodable, NoAnswer };
+    enum class Reading { Kept, NotKept, Undecodable, Empty, NoAnswer };
+    enum class Which { Any, Unread };
 
-    Reading Read(SimSlot slot);
-    bool AwaitContent(FixedText<1024>& answer);
+    // Of other messages than `which` nothing is kept; they count as kept.
+    Reading Read(SimSlot slot, Which which);
+    Reading AwaitContent(FixedText<1024>& answer);
     Reading Keep(SimSlot slot, std::string_view answer);
     template <class Send>
     bool Quietly(Send send, Ticks pause);
@@ -57,6 +65,7 @@ class MessageReceiving {
     bool Due() const;
     void Schedule(Ticks pause);
     void FinishAnnouncement();
+    void StartCleaning();
 
     Session& m_session;
     CommandTurn& m_turn;
@@ -67,10 +76,13 @@ class MessageReceiving {
 
     AnnouncedSlots m_slots;
     std::atomic<bool> m_readPending = false;
+    std::atomic<int> m_simUsed = 0;   // messages on the SIM, as it was last told
+    std::atomic<int> m_simTotal = 0;  // its slots
     Guarded<FixedText<1024>> m_answer;
 
     // The worker's alone.
     std::bitset<SimSlot::largest + 1> m_announcedUnkept;  // announced, and not in the inbox for want of space
+    int m_lookNext = 0;
     int m_toAnnounce = 0;
     Step m_step = Step::Idle;
     bool m_cleaning = false;

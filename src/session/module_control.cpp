@@ -140,8 +140,10 @@ bool ModuleControl::Network_interface_Connect(bool lastAttempt) {
     const bool open = m_open.Run();
     m_opening = false;
     PostToMainWindow(m_session.platform, m_openEndMessage, 0, 0);
-    if (open) return true;
-
+    if (open) {
+        m_parts.messages.OnModuleOpened();
+        return true;
+    }
     ReleaseSuspend();
     m_session.screens.SetStatusText("");
     m_session.screens.EnableWindow(true);

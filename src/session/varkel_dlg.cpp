@@ -188,6 +188,7 @@ ModemHandlers CVarkelDlg::Handlers() {
     to.OnUssd = [](void* o, std::string_view text, int) { Self(o).m_calls.OnUssd(text); };
 
     to.OnMsComeIn = [](void* o, std::string_view text) { Self(o).m_messages.OnMsComeIn(text); };
+    to.OnCpms = [](void* o, std::string_view text) { Self(o).m_messages.OnCpms(text); };
     to.OnMsContent = [](void* o, std::string_view text) { Self(o).m_messages.OnMsContent(text); };
     to.OnMsCenterNo = [](void* o, std::string_view text) { Self(o).m_messages.OnMsCenterNo(text); };
     to.OnSendState = [](void* o, SendState state) { Self(o).m_messages.OnSendState(state); };
@@ -204,7 +205,6 @@ ModemHandlers CVarkelDlg::Handlers() {
     };
 
     // Known, and of no consequence beyond the log.
-    to.OnCpms = [](void*, std::string_view) {};
     to.OnCallReady = [](void*, std::string_view) {};
     to.OnCreg = [](void* o, std::string_view) { Self(o).m_platform.log.Trace("[BTNEV]OnCreg"); };
     to.OnDisc = [](void* o, std::string_view) { Self(o).m_platform.log.Trace("[BTNEV]OnDisc"); };
