@@ -80,7 +80,8 @@ void CATChannel::SendATCommond(std::string_view text, Secrecy secrecy) {
     m_log.DebugOutput("GetUsbHostStatus-----fail!\r\n");
     if (!m_linkUp.exchange(false)) return;
     m_log.DebugOutput("m_closePipe-----begin!\r\n");
-    if (m_handlers.OnClosePipe) m_handlers.OnClosePipe(m_owner);
+    void* const owner = m_owner;
+    if (owner && m_handlers.OnClosePipe) m_handlers.OnClosePipe(owner);
     m_log.DebugOutput("m_closePipe-----end!\r\n");
 }
 

@@ -54,7 +54,7 @@ void MessageReceiving::OnMsContent(std::string_view text) {
 
 template <class Send>
 bool MessageReceiving::Quietly(Send send, Ticks pause) {
-    while (m_session.at.LinkUp()) {
+    while (ModuleReady(m_session)) {
         if (m_turn.TryQuietly(send)) return m_worker.Pause(pause);
         if (!m_worker.Pause(slice)) break;
     }
@@ -62,6 +62,7 @@ bool MessageReceiving::Quietly(Send send, Ticks pause) {
 }
 
 bool MessageReceiving::ReadNext() {
+    if (!ModuleReady(m_session)) return false;
     const auto slot = m_slots.TakeNext();
     if (!slot) return false;
     switch (Read(*slot, Which::Any)) {
@@ -107,7 +108,7 @@ void MessageReceiving::OnModuleClosed() {
 bool MessageReceiving::LookNext() {
     const bool complete = m_simUsed <= m_slots.Known();
     const auto slot = SimSlot::From(m_lookNext);
-    if (complete || m_session.state.MainScreenMode == ScreenMode::Closed || !slot ||
+    if (complete || !ModuleReady(m_session) || !slot ||
         m_lookNext > m_simTotal) {
         // A module that counts otherwise is not searched for ever.
         if (m_lookNext > m_simTotal) m_simUsed = m_slots.Known();
@@ -154,7 +155,7 @@ MessageReceiving::Reading MessageReceiving::AwaitContent(FixedText<1024>& answer
         answer = m_answer.Get();
         if (!answer.Empty()) return Reading::Kept;
         if (over) return Reading::Empty;
-        if (late || !m_session.at.LinkUp() || !m_worker.Pause(slice)) return Reading::NoAnswer;
+        if (late || !ModuleReady(m_session) || !m_worker.Pause(slice)) return Reading::NoAnswer;
     }
 }
 
@@ -240,7 +241,7 @@ bool MessageReceiving::CleanNext() {
     if (!m_cleaning || m_step != Step::Idle || m_toAnnounce > 0 || !Due()) return false;
     // The announced slot itself stays.
     const auto last = m_slots.Last();
-    if (!last || m_cleanNext >= last->Number() || !m_session.at.LinkUp()) {
+    if (!last || m_cleanNext >= last->Number() || !ModuleReady(m_session)) {
         m_cleaning = false;
         return false;
     }

@@ -143,9 +143,9 @@ bool MessageSending::Send(const PduText& pdu) {
 
 bool MessageSending::AwaitTurn() {
     while (m_session.at.OneShotPending()) {
-        if (!m_session.at.LinkUp() || !m_worker.Pause(slice)) return false;
+        if (!ModuleReady(m_session) || !m_worker.Pause(slice)) return false;
     }
-    return m_session.at.LinkUp();
+    return ModuleReady(m_session);
 }
 
 bool MessageSending::AwaitPrompt() {
@@ -155,7 +155,7 @@ bool MessageSending::AwaitPrompt() {
         // A final result instead of the prompt refuses the message.
         const bool refused = !at.AnswerOutstanding(longestPrompt);
         const bool late = TicksSince(m_session.platform.runtime.GetTickCount(), start) >= longestPrompt;
-        const bool over = refused || late || !at.LinkUp() || !m_worker.Pause(slice);
+        const bool over = refused || late || !ModuleReady(m_session) || !m_worker.Pause(slice);
         Stage awaited = Stage::AwaitPrompt;
         // The prompt may have come at the last moment.
         if (!over || !m_stage.compare_exchange_strong(awaited, Stage::Idle)) continue;
@@ -170,7 +170,7 @@ bool MessageSending::AwaitPrompt() {
 bool MessageSending::AwaitResult() {
     OneShot& pending = m_session.at.sendPending;
     while (pending.Pending()) {
-        if ((!m_session.at.LinkUp() || !m_worker.Pause(slice)) && pending.Take()) return false;
+        if ((!ModuleReady(m_session) || !m_worker.Pause(slice)) && pending.Take()) return false;
     }
     return true;
 }

@@ -27,6 +27,11 @@ struct Session {
     SessionOptions options = {};
 };
 
+// The module is open and can be given commands besides those of opening and closing it. Any thread.
+inline bool ModuleReady(const Session& session) {
+    return session.at.LinkUp() && session.state.MainScreenMode != ScreenMode::Closed;
+}
+
 // The dialog thread's timers.
 enum class SessionTimer : TimerId {
     StatusLine = 1,

@@ -27,6 +27,7 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
         "assets = ../assets/.\n"
         "language = Russian\n"
         "system_code_page = CP936\n"
+        "country_code =\n"
         "registry = /var/lib/varkel/registry.db\n"
         "initial_registry = initial.txt\n"
         "object_prefix = car-1\n"
@@ -45,6 +46,7 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
     EXPECT_EQ(settings.assets, "/etc/assets/");
     EXPECT_EQ(settings.language, "russian");
     EXPECT_EQ(settings.systemCodePage, "CP936");
+    EXPECT_EQ(settings.countryCode, "");
     EXPECT_EQ(settings.registry, "/var/lib/varkel/registry.db");
     EXPECT_EQ(settings.initialRegistry, "/etc/unit/initial.txt");
     EXPECT_EQ(settings.objectPrefix, "car-1");
@@ -85,6 +87,7 @@ TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
         "root =\n"
         "colour = blue\n"
         "system_code_page = UTF-8\n"
+        "country_code = +86\n"
         "[serial]\n"
         "COM7: =\n"
         "[programs]\n"
@@ -94,13 +97,14 @@ TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
         "[radio]\n"
         "x = y\n",
         "/");
-    const char* const lines[] = {"2", "3", "4", "5", "6", "7", "8", "10", "12", "16", "14"};
+    const char* const lines[] = {"2", "3", "4", "5", "6", "7", "8", "9", "11", "13", "17", "15"};
     ASSERT_EQ(settings.errors.size(), std::size(lines));
     for (std::size_t i = 0; i < std::size(lines); ++i)
         EXPECT_TRUE(settings.errors[i].starts_with("line " + std::string(lines[i]) + ":"))
             << settings.errors[i];
     EXPECT_EQ(settings.language, "english");
     EXPECT_EQ(settings.systemCodePage, "GB18030");
+    EXPECT_EQ(settings.countryCode, "86");
     EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB2");
     for (const char* path : {"/nowhere/unit.conf", "/tmp", "/dev/null/x"}) {
         const UnitSettings missing = LoadUnitSettings(path);

@@ -1,6 +1,7 @@
 // Thousands of seeds: each chooses the order of all threads and what goes wrong with the module meanwhile.
 #include <gtest/gtest.h>
 #include <random>
+#include <set>
 
 #include "tests/support/seeds.h"
 #include "tests/support/session_bench.h"
@@ -9,22 +10,25 @@ namespace varkel::test {
 namespace {
 
 const char* const troubles[] = {
-    "usb down",       "usb up",
-    "vanish",         "appear",
-    "module restart", "sim out",
-    "sim in",         "signal 3",
-    "signal 20",      "network off",
-    "network on",     "split 1",
-    "split 7",        "split 0",
-    "noise 0.001",    "noise 0",
-    "late 2s",        "late 0s",
-    "lose 0.1",       "lose 0",
-    "double 0.2",     "double 0",
-    "urc RING",       "urc +URCIND:3",
-    "urc +URCIND:5",  "urc +CME ERROR: SIM busy",
-    "urc BUSY",       "urc ERROR",
-    "urc OK",         "urc +CPIN: SIM PUK",
-    "raw \\r\\n> ",
+    "usb down",        "usb up",
+    "vanish",          "appear",
+    "module restart",  "sim out",
+    "sim in",          "signal 3",
+    "signal 20",       "network off",
+    "network on",      "split 1",
+    "split 7",         "split 0",
+    "noise 0.001",     "noise 0",
+    "late 2s",         "late 0s",
+    "lose 0.1",        "lose 0",
+    "double 0.2",      "double 0",
+    "urc RING",        "urc +URCIND:3",
+    "urc +URCIND:5",   "urc +CME ERROR: SIM busy",
+    "urc BUSY",        "urc ERROR",
+    "urc OK",          "urc +CPIN: SIM PUK",
+    "raw \\r\\n> ",    "sms 10086 hello",
+    "sms-burst 3",     "sms-raw 0791",
+    "sms-fail 1",      "sms-no-prompt 1",
+    "sms-no-result 1",
 };
 
 struct Life {
@@ -52,6 +56,7 @@ Life Live(std::uint64_t seed) {
             case 0: bench.dialog->CloseModule(); break;
             case 1: bench.dialog->OpenModule(); break;
             case 2: bench.dialog->CancelOpen(); break;
+            case 3: bench.dialog->Messages().SendSMDll("13800000000", "hello"); break;
             default: break;
         }
     }
@@ -84,6 +89,51 @@ TEST(Schedules, AreTheSameForTheSameSeed) {
     for (std::uint64_t seed = 1; seed <= 20; ++seed)
         EXPECT_EQ(Live(seed), Live(seed)) << "seed " << seed;
     EXPECT_NE(Live(1).hash, Live(2).hash);
+}
+
+// Messages arrive while links are lost and modules restart: each is in the inbox in the end, and once.
+void KeepMessages(std::uint64_t seed) {
+    std::mt19937_64 random(seed);
+    SessionBench bench(seed);
+    bench.Start("");
+    bench.dialog->OpenModule();
+    bench.RunFor(10'000);
+    const char* const world[] = {"usb down",        "usb up",   "vanish",          "appear",
+                                 "module restart",  "urc RING", "sms-no-prompt 1", "sms-fail 1",
+                                 "sms-no-result 1", "prompt"};
+    int sent = 0;
+    for (int step = 0; step < 12; ++step) {
+        bench.RunFor(static_cast<Ticks>(random() % 4000));
+        switch (random() % 6) {
+            case 0: bench.unit.Command(world[random() % std::size(world)]); break;
+            case 1: random() % 2 == 0 ? bench.dialog->CloseModule() : bench.dialog->OpenModule(); break;
+            case 2: bench.dialog->Messages().SendSMDll("13800000000", "mine"); break;
+            default: bench.unit.Command("sms 10010 \"number " + std::to_string(++sent) + "\""); break;
+        }
+    }
+    for (const char* remedy : {"usb up", "appear", "calm"})
+        bench.unit.Command(remedy);
+    bench.RunFor(60'000);
+    bench.dialog->OpenModule();
+    bench.RunFor(60'000);
+    // Its announcement also brings to light what was announced over a line that was down.
+    bench.unit.Command("sms 10010 \"number " + std::to_string(++sent) + "\"");
+    bench.RunFor(240'000);
+
+    std::multiset<std::string> kept;
+    for (const SmsRecord& record : bench.dialog->Messages().Boxes().inbox.FindSmsRecord())
+        kept.emplace(record.szContent.View());
+    for (int number = 1; number <= sent; ++number)
+        EXPECT_EQ(kept.count("number " + std::to_string(number)), 1u)
+            << "number " << number << ", seed " << seed;
+    EXPECT_EQ(kept.size(), static_cast<std::size_t>(sent)) << "seed " << seed;
+}
+
+TEST(Schedules, LoseNoMessage) {
+    for (std::uint64_t seed = 1; seed <= SeedCount(500); ++seed) {
+        KeepMessages(seed);
+        if (testing::Test::HasFailure()) break;
+    }
 }
 
 }  // namespace

@@ -106,6 +106,21 @@ TEST_F(RealThreads, ComeBackAfterTheDeviceVanished) {
     EXPECT_TRUE(RunUntil([this] { return Open(); }, 120'000));
 }
 
+TEST_F(RealThreads, KeepEveryMessageOfABurstWhileACallRings) {
+    dialog->OpenModule();
+    ASSERT_TRUE(RunUntil([this] { return Open(); }, 120'000));
+    MessageHandling& messages = dialog->Messages();
+    unit.Command("sms-burst 20");
+    for (int ring = 0; ring < 5; ++ring) {
+        unit.Command("urc RING");
+        RunUntil([] { return false; }, 150);
+    }
+    EXPECT_TRUE(RunUntil([&] { return messages.Boxes().inbox.Count() == 20; }, 60'000));
+    EXPECT_TRUE(messages.SendSMDll("13800000000", "while they are announced"));
+    EXPECT_TRUE(RunUntil([this] { return screens.Count("tip 2") == 1; }, 30'000));
+    EXPECT_EQ(messages.Boxes().outbox.Count(), 1u);
+}
+
 TEST_F(RealThreads, EndInTheMiddleOfEverything) {
     dialog->OpenModule();
     unit.Command("noise 0.01");

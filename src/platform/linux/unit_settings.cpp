@@ -77,6 +77,13 @@ bool SetBus(UnitSettings& settings, const std::string& value, const std::string&
     return true;
 }
 
+bool SetCountryCode(UnitSettings& settings, const std::string& value, const std::string&) {
+    constexpr std::size_t longest = 3;
+    if (value.size() > longest || value.find_first_not_of("0123456789") != std::string::npos) return false;
+    settings.countryCode = value;
+    return true;
+}
+
 bool SetDriver(UnitSettings& settings, const std::string& value, const std::string&) {
     const bool bus = EqualIgnoringCase(value, "bus");
     if (!bus && !EqualIgnoringCase(value, "board")) return false;
@@ -94,6 +101,7 @@ constexpr Key unitKeys[] = {
     {"assets", SetPath<&UnitSettings::assets>},
     {"language", SetLanguage},
     {"system_code_page", SetCodePage},
+    {"country_code", SetCountryCode},
     {"registry", SetPath<&UnitSettings::registry>},
     {"initial_registry", SetPath<&UnitSettings::initialRegistry>},
     {"object_prefix", SetPrefix},
@@ -146,6 +154,7 @@ UnitSettings DefaultUnitSettings() {
     settings.assets = "/usr/share/varkel/assets";
     settings.language = "english";
     settings.systemCodePage = "GB18030";
+    settings.countryCode = "86";
     settings.registry = data + "/registry.db";
     settings.objectPrefix = "varkel-" + std::to_string(geteuid());
     settings.serial["COM7:"] = "/dev/ttyUSB2";

@@ -5,6 +5,7 @@
 //     assets = /usr/share/varkel/assets   the installed read-only files of the same shape
 //     language = english                  english, chinese, tchinese, russian, portugal, arabic
 //     system_code_page = GB18030          of texts in languages without one of their own; as iconv names it
+//     country_code = 86                   put in front of national numbers of messages; none when it is empty
 //     registry = registry.db
 //     initial_registry = registry.txt     values that a registry begins with; none when it is not named
 //     object_prefix = varkel-1000         programs with the same prefix share memory, mutexes and events
@@ -39,6 +40,7 @@ struct UnitSettings {
     std::string assets;
     std::string language;
     std::string systemCodePage;
+    std::string countryCode;
     std::string registry;
     std::string initialRegistry;
     std::string objectPrefix;
