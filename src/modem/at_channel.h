@@ -131,8 +131,9 @@ class CATChannel {
 
     // Writes the PDU that cmd_sendms kept, and forgets it. Nothing is written when there is none.
     void WriteMessage2Port();
-    // Gives up a message whose prompt did not come: its PDU is forgotten, and should the module be waiting for
-    // the text after all, ESC ends that (3GPP TS 27.005, 3.5.1).
+    // Gives up a message whose prompt or result did not come: its PDU is forgotten. Should the module be
+    // waiting for the text, which would then be made of the next commands, the ESC that goes out before the
+    // next one ends that (3GPP TS 27.005, 3.5.1); at other times it means nothing.
     void AbandonMessage();
 
     // The parser: takes one chunk and raises its events. Read thread only.
@@ -197,6 +198,7 @@ class CATChannel {
     Guarded<FixedText<512>> m_pdu;  // hexadecimal, ended by Ctrl-Z
     std::atomic<Ticks> m_lastCommand = 0;
     std::atomic<int> m_unanswered = 0;  // commands without a final result, as far as it was seen
+    std::atomic<bool> m_escapeDue = false;
     std::atomic<bool> m_promptAwaited = false;  // from cmd_sendms to the prompt or the end of the attempt
     std::atomic<bool> m_dialWasServiceCode = false;
     std::atomic<bool> m_linkUp = false;

@@ -56,6 +56,7 @@ void CATChannel::Attach(const CCESeries& link, void* owner) {
     m_owner = owner;
     m_unanswered = 0;
     m_promptAwaited = false;
+    m_escapeDue = false;
 }
 
 bool CATChannel::AnswerOutstanding(Ticks memory) const {
@@ -73,6 +74,7 @@ void CATChannel::SendATCommond(std::string_view text, Secrecy secrecy) {
         m_log.DebugOutput("GetUsbHostStatus-----success!\r\n");
         m_log.Trace("[SendATCommond]--Commond:senat 1\r\n");
         ++m_unanswered;
+        if (m_escapeDue.exchange(false)) QueueBytes(escape, "");
         QueueBytes(text, "\r");
         return;
     }
@@ -168,7 +170,8 @@ void CATChannel::WriteMessage2Port() {
 
 void CATChannel::AbandonMessage() {
     m_pdu.Set({});
-    if (m_promptAwaited.exchange(false)) QueueBytes(escape, "");
+    m_promptAwaited = false;
+    m_escapeDue = true;
 }
 
 void CATChannel::cmd_inquire_mscenter() {

@@ -108,8 +108,7 @@ void MessageReceiving::OnModuleClosed() {
 bool MessageReceiving::LookNext() {
     const bool complete = m_simUsed <= m_slots.Known();
     const auto slot = SimSlot::From(m_lookNext);
-    if (complete || !ModuleReady(m_session) || !slot ||
-        m_lookNext > m_simTotal) {
+    if (complete || !ModuleReady(m_session) || !slot || m_lookNext > m_simTotal) {
         // A module that counts otherwise is not searched for ever.
         if (m_lookNext > m_simTotal) m_simUsed = m_slots.Known();
         m_lookNext = 0;
@@ -136,13 +135,21 @@ MessageReceiving::Reading MessageReceiving::Read(SimSlot slot, Which which) {
     m_answer.Set({});
     m_readPending = true;
     FixedText<1024> answer;
+    const auto index = static_cast<std::size_t>(slot.Number());
+    const bool askedBefore = m_unkept[index];
+    m_unkept[index] = true;
     const bool asked = Quietly([&] { at.cmd_readms(slot); }, readPause);
     const Reading outcome = asked ? AwaitContent(answer) : Reading::NoAnswer;
     m_readPending = false;
-    if (outcome != Reading::Kept) return outcome;
+    if (outcome != Reading::Kept) {
+        if (outcome == Reading::Empty) m_unkept[index] = askedBefore;
+        return outcome;
+    }
     // "+CMGR: 0,..." is a message that was not read before.
-    if (which == Which::Unread && !answer.View().starts_with("+CMGR: 0,")) return Reading::Kept;
-    return Keep(slot, answer.View());
+    const bool wanted = which == Which::Any || askedBefore || answer.View().starts_with("+CMGR: 0,");
+    const Reading result = wanted ? Keep(slot, answer.View()) : Reading::Kept;
+    m_unkept[index] = result != Reading::Kept;
+    return result;
 }
 
 // Kept when there is content.
@@ -150,7 +157,7 @@ MessageReceiving::Reading MessageReceiving::AwaitContent(FixedText<1024>& answer
     const Ticks start = m_session.platform.runtime.GetTickCount();
     for (;;) {
         // Looked at before the content, because the final result comes behind it.
-        const bool over = !m_session.at.AnswerOutstanding(longestAnswer);
+        const bool over = !m_session.at.AnswerOutstanding(infiniteTicks);
         const bool late = TicksSince(m_session.platform.runtime.GetTickCount(), start) >= longestAnswer;
         answer = m_answer.Get();
         if (!answer.Empty()) return Reading::Kept;

@@ -81,7 +81,9 @@ class MessageReceiving {
     Guarded<FixedText<1024>> m_answer;
 
     // The worker's alone.
-    std::bitset<SimSlot::largest + 1> m_announcedUnkept;  // announced, and not in the inbox for want of space
+    using SlotSet = std::bitset<SimSlot::largest + 1>;
+    SlotSet m_unkept;           // asked for, so that the module takes them for read, and not in the inbox
+    SlotSet m_announcedUnkept;  // of these, the ones that were announced to the unit
     int m_lookNext = 0;
     int m_toAnnounce = 0;
     Step m_step = Step::Idle;

@@ -126,7 +126,10 @@ bool MessageSending::SendNext() {
         return first;
     });
     if (!next) return false;
-    if (!Send(*next)) ReportFailure();
+    if (!Send(*next)) {
+        m_session.at.AbandonMessage();
+        ReportFailure();
+    }
     m_stage = Stage::Idle;
     // The result of another program's message shows no tip, whose end would do it.
     if (m_session.state.m_externalClient) RestartPoll();
@@ -160,7 +163,6 @@ bool MessageSending::AwaitPrompt() {
         // The prompt may have come at the last moment.
         if (!over || !m_stage.compare_exchange_strong(awaited, Stage::Idle)) continue;
         m_session.platform.log.Trace("[SendSMDll]--no prompt");
-        at.AbandonMessage();
         return false;
     }
     return true;

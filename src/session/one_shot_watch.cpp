@@ -34,6 +34,7 @@ void OneShotWatch::OnTimer() {
     if (Expired(at.hangUpPending, longestHangUp, "hang-up")) expired = true;
     if (Expired(at.sendPending, longestResult, "message")) {
         expired = true;
+        at.AbandonMessage();
         m_messages.OnSendState(SendState::Failed);
         m_messages.OnSendTip();
     }
