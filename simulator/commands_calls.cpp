@@ -1,6 +1,4 @@
 // Commands of voice calls and of service codes (3GPP TS 27.007, 6, 7.6, 7.15; ITU-T V.250, 6.3).
-//
-// A call has no other end yet: it is established as soon as it is dialled.
 #include <algorithm>
 #include <array>
 
@@ -19,54 +17,64 @@ bool Emergency(std::string_view number) {
     return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
 
+// The number without the marks that only help reading (V.250, 6.3.1).
+std::string WithoutSeparators(std::string number) {
+    std::erase_if(number,
+                  [](char c) { return std::string_view(" -()./").find(c) != std::string_view::npos; });
+    return number;
+}
+
+bool IsServiceCode(std::string_view number) {
+    return number.size() > 2 && (number.front() == '*' || number.front() == '#') && number.back() == '#';
+}
+
 // A semicolon at the end makes a voice call; data calls find nobody.
 Outcome Dial(Exchange& exchange) {
     Modem& modem = exchange.modem;
     std::string number(exchange.command.Text(0));
     const bool voice = number.ends_with(';');
     if (voice) number.pop_back();
-    if (number.empty() || number.find_first_not_of(dialDigits) != std::string::npos) return Outcome::Error();
+    if (number.find_first_not_of(dialDigits) != std::string::npos) return Outcome::Error();
+    number = WithoutSeparators(std::move(number));
+    if (number.empty()) return Outcome::Error();
     if (!Emergency(number)) {
         if (const auto fault = modem.CardFault(Needs::ReadyCard)) return Outcome::Fault(*fault);
         if (!modem.Network().Registered()) return Outcome::Fault(Cme::NoNetworkService);
     }
+    if (IsServiceCode(number)) {
+        modem.RequestUssd(exchange.now);
+        return Outcome::Ok();
+    }
     if (!voice) return Outcome::NoCarrier();
-    if (modem.CurrentCall().phase != CallPhase::Idle) return Outcome::Fault(Cme::OperationNotAllowed);
-    modem.CurrentCall() = {CallPhase::Active, number, true, {}};
-    return Outcome::Ok();
+    const bool dialled = modem.CurrentCall().Dial(number, exchange.now);
+    return dialled ? Outcome::Later() : Outcome::Fault(Cme::OperationNotAllowed);
 }
 
 Outcome Answer(Exchange& exchange) {
-    Call& call = exchange.modem.CurrentCall();
-    if (call.phase != CallPhase::Incoming) return Outcome::NoCarrier();
-    call.phase = CallPhase::Active;
-    return Outcome::Ok();
+    return exchange.modem.CurrentCall().Answer() ? Outcome::Ok() : Outcome::NoCarrier();
 }
 
+// Hanging up without a call is no mistake.
 Outcome HangUp(Exchange& exchange) {
-    exchange.modem.EndCall();
+    exchange.modem.CurrentCall().HangUp(exchange.now);
     return Outcome::Ok();
 }
 
 Outcome ListCalls(Exchange& exchange) {
-    constexpr int active = 0;
-    constexpr int incoming = 4;
-    const Call& call = exchange.modem.CurrentCall();
-    if (call.phase == CallPhase::Idle) return Outcome::Ok();
-    exchange.info.push_back("+CLCC: 1," + std::to_string(call.outgoing ? 0 : 1) + "," +
-                            std::to_string(call.phase == CallPhase::Active ? active : incoming) + ",0,0,\"" +
-                            call.number + "\"," + (call.number.starts_with('+') ? "145" : "129"));
+    const VoiceCall& call = exchange.modem.CurrentCall();
+    constexpr std::array states{"", "4", "3", "0"};  // 27.007, 7.18, in the order of CallPhase
+    if (call.Phase() == CallPhase::Idle) return Outcome::Ok();
+    exchange.info.push_back("+CLCC: 1," + std::to_string(call.Outgoing() ? 0 : 1) + "," +
+                            states[static_cast<std::size_t>(call.Phase())] + ",0,0,\"" + call.Number() +
+                            "\"," + (call.Number().starts_with('+') ? "145" : "129"));
     return Outcome::Ok();
 }
 
 Outcome SendTone(Exchange& exchange) {
-    Call& call = exchange.modem.CurrentCall();
     const std::string_view tone = exchange.command.Text(0);
     if (tone.size() != 1 || toneDigits.find(tone) == std::string_view::npos) return Outcome::Error();
-    if (call.phase != CallPhase::Active) return Outcome::Fault(Cme::OperationNotAllowed);
-    if (call.tones.size() == Call::mostTones) call.tones.erase(0, 1);
-    call.tones += tone;
-    return Outcome::Ok();
+    const bool sent = exchange.modem.CurrentCall().SendTone(tone.front());
+    return sent ? Outcome::Ok() : Outcome::Fault(Cme::OperationNotAllowed);
 }
 
 Outcome ReadCallerNumber(Exchange& exchange) {
@@ -81,7 +89,7 @@ Outcome ServiceCode(Exchange& exchange) {
     constexpr int endDialogue = 2;
     const auto mode = command.Number(0, 0);
     if (!mode || *mode > endDialogue || command.arguments.size() > 3) return Outcome::Error();
-    modem.CancelUssd();
+    if (*mode != 1) modem.CancelUssd();
     if (*mode == endDialogue) return Outcome::Ok();
     if (const auto fault = modem.CardFault(Needs::ReadyCard)) return Outcome::Fault(*fault);
     modem.Settings().ussdReports = *mode;

@@ -17,11 +17,11 @@ constexpr ConsoleCommand helpConsole[] = {
     {"help", "[COMMAND]", "this list, or one line of it", Help},
 };
 
-using Tables = std::array<std::span<const ConsoleCommand>, 5>;
+using Tables = std::array<std::span<const ConsoleCommand>, 6>;
 
 Tables AllTables() {
-    return {UnitConsole(), LineConsole(), MessageConsole(), StateConsole(),
-            std::span<const ConsoleCommand>(helpConsole)};
+    return {UnitConsole(),    LineConsole(),  CallConsole(),
+            MessageConsole(), StateConsole(), std::span<const ConsoleCommand>(helpConsole)};
 }
 
 const ConsoleCommand* Find(std::string_view name) {

@@ -25,6 +25,7 @@ struct ConsoleCommand {
 
 std::span<const ConsoleCommand> UnitConsole();  // power, SIM, network
 std::span<const ConsoleCommand> LineConsole();  // what happens on the serial line
+std::span<const ConsoleCommand> CallConsole();
 std::span<const ConsoleCommand> MessageConsole();
 std::span<const ConsoleCommand> StateConsole();  // phonebook, identity, looking at it all
 

@@ -68,20 +68,6 @@ CommandResult Raw(SimulatedUnit& unit, std::string_view arguments, Millis now) {
     return {};
 }
 
-CommandResult Ussd(SimulatedUnit& unit, std::string_view arguments, bool asksBack) {
-    unit.Config().ussdAnswer = arguments;
-    unit.Config().ussdAsksBack = asksBack;
-    return {};
-}
-
-CommandResult UssdAnswer(SimulatedUnit& unit, std::string_view arguments, Millis) {
-    return Ussd(unit, arguments, false);
-}
-
-CommandResult UssdQuestion(SimulatedUnit& unit, std::string_view arguments, Millis) {
-    return Ussd(unit, arguments, true);
-}
-
 constexpr ConsoleCommand commands[] = {
     {"noise", "P", "a byte arrives as another one with probability P", Noise},
     {"split", "N", "pieces of N bytes, back to back; 0 = as sent", Split},
@@ -91,8 +77,6 @@ constexpr ConsoleCommand commands[] = {
     {"calm", "", "line and sending are free of faults again", Calm},
     {"urc", "TEXT", "the modem reports TEXT unasked", Urc},
     {"raw", "BYTES", "the modem sends exactly that; \\r \\n \\t \\\\ \\\" \\xHH", Raw},
-    {"ussd", "TEXT", "what the network answers to service codes, and to messages to 10086", UssdAnswer},
-    {"ussd-ask", "TEXT", "the same, and it waits for a reply", UssdQuestion},
 };
 
 }  // namespace

@@ -149,11 +149,12 @@ std::string SimState(SimulatedUnit& unit) {
 std::string NetworkState(SimulatedUnit& unit) {
     Modem& modem = unit.GetModem();
     const Radio& radio = modem.Network();
-    constexpr std::array<std::string_view, 3> calls{"no call", "a call rings", "a call is up"};
+    constexpr std::array<std::string_view, 4> calls{"no call", "a call rings", "a number is dialled",
+                                                    "a call is up"};
     return "network  " + std::string(YesNo(radio.Registered(), "registered", "not registered")) +
            ", signal " + std::to_string(radio.Signal()) +
            std::string(YesNo(radio.Varying(), ", varying", "")) + ", " +
-           std::string(calls[static_cast<std::size_t>(modem.CurrentCall().phase)]);
+           std::string(calls[static_cast<std::size_t>(modem.CurrentCall().Phase())]);
 }
 
 std::string DriverState(SimulatedUnit& unit) {

@@ -11,7 +11,8 @@ Modem::Modem(ModemConfig& config, SimCard& sim, Agenda& agenda, Wire& wire, Mode
       m_agenda(agenda),
       m_wire(wire),
       m_hooks(hooks),
-      m_radio(agenda, seed, config.signal) {
+      m_radio(agenda, seed, config.signal),
+      m_call(*this, agenda) {
     m_radio.onRegistration = [this](Millis now) { OnRegistration(now); };
 }
 
@@ -37,10 +38,10 @@ void Modem::PowerOff(Millis now) {
     m_agenda.Drop(Topic::Start);
     m_agenda.Drop(Topic::Sim);
     m_agenda.Drop(Topic::Reply);
-    m_agenda.Drop(Topic::Ussd);
+    CancelUssd();
+    m_call.Lose("the module is off");
     m_radio.Stop(now);
     m_simPhase = SimPhase::Absent;
-    m_call = {};
     m_mode = Mode::Line;
     m_input.clear();
     m_line.clear();
@@ -150,17 +151,33 @@ std::optional<int> Modem::Deliver(std::string_view pdu, Millis now) {
 }
 
 void Modem::RequestUssd(Millis now) {
-    CancelUssd();
+    m_agenda.Drop(Topic::Ussd);
     m_agenda.At(now + m_config.times.ussd, Topic::Ussd, [this](Millis then) {
-        const std::u16string text = Utf16FromUtf8(m_config.ussdAnswer);
-        // Coding schemes of TS 23.038, 5: 15 = default alphabet, 72 = UCS2, which always stands in
-        // hexadecimal.
-        const bool plain = GsmFromUtf16(text).has_value();
-        const std::string words = OnLine(text, plain ? m_settings.charset : Charset::Ucs2);
-        Unsolicited("+CUSD: " + std::to_string(m_config.ussdAsksBack ? 1 : 0) + ",\"" + words + "\"," +
-                        (plain ? "15" : "72"),
-                    then);
+        constexpr Millis patience = 60'000;
+        m_ussdAsked = !m_ussdAsked && !m_config.ussdQuestion.empty();
+        ReportUssd(m_ussdAsked ? 1 : 0, m_ussdAsked ? m_config.ussdQuestion : m_config.ussdAnswer, then);
+        if (m_ussdAsked) m_agenda.At(then + patience, Topic::Ussd, [this](Millis later) { EndUssd(later); });
     });
+}
+
+void Modem::ReportUssd(int state, const std::string& text, Millis now) {
+    const std::u16string units = Utf16FromUtf8(text);
+    // Coding schemes of TS 23.038, 5: 15 = default alphabet, 72 = UCS2, which always stands in hexadecimal.
+    const bool plain = GsmFromUtf16(units).has_value();
+    const std::string words = OnLine(units, plain ? m_settings.charset : Charset::Ucs2);
+    Unsolicited("+CUSD: " + std::to_string(state) + ",\"" + words + "\"," + (plain ? "15" : "72"), now);
+}
+
+void Modem::CancelUssd() {
+    m_agenda.Drop(Topic::Ussd);
+    m_ussdAsked = false;
+}
+
+bool Modem::EndUssd(Millis now) {
+    if (!m_ussdAsked) return false;
+    CancelUssd();
+    Unsolicited("+CUSD: 2", now);
+    return true;
 }
 
 void Modem::OnRegistration(Millis now) {
@@ -169,10 +186,8 @@ void Modem::OnRegistration(Millis now) {
     constexpr std::string_view texts[] = {"not registered", "registered", "searches for a network"};
     if (m_booted) Say(texts[static_cast<std::size_t>(state)]);
     if (m_settings.registrationReports) Unsolicited("+CREG: " + std::to_string(static_cast<int>(state)), now);
-    if (state != Registration::Home && m_call.phase != CallPhase::Idle) {
-        m_call = {};
-        Unsolicited("NO CARRIER", now);
-    }
+    const bool lost = state != Registration::Home && m_call.Lose("the module has no network");
+    if (lost) Unsolicited("NO CARRIER", now);
     if (Reachable() && onMessagesPossible) onMessagesPossible(now);
 }
 

@@ -14,24 +14,16 @@
 #include "simulator/modem_settings.h"
 #include "simulator/radio.h"
 #include "simulator/sim_card.h"
+#include "simulator/voice_call.h"
 #include "simulator/wire.h"
 
 namespace varkel::sim {
 
-enum class CallPhase { Idle, Incoming, Active };
-
-struct Call {
-    CallPhase phase = CallPhase::Idle;
-    std::string number;
-    bool outgoing = false;
-    std::string tones;  // sent by AT+VTS, the last `mostTones`
-
-    static constexpr std::size_t mostTones = 64;
-};
-
 struct ModemHooks {
     // A line for whoever watches: what was asked and answered, what happened.
     std::function<void(std::string_view)> say;
+    // The same of the network and of whoever is at the other end of a call.
+    std::function<void(std::string_view)> network;
     // Every command line as it was taken, and every text that was entered behind a prompt.
     std::function<void(std::string_view)> command;
     // A message that went out: its PDU in octets.
@@ -59,7 +51,7 @@ class Modem {
     void SimMoved(Millis now);
     // Sends an unsolicited result code, framed as one.
     void Unsolicited(std::string_view text, Millis now);
-    // Messages can be delivered: the SIM is ready and the module registered.
+    // Messages and calls come through: the SIM is ready and the module registered.
     bool Reachable() const { return m_simPhase == SimPhase::Ready && m_radio.Registered(); }
     // A message comes from the network; the slot that took it, nothing when none could.
     std::optional<int> Deliver(std::string_view pdu, Millis now);
@@ -67,7 +59,7 @@ class Modem {
     std::function<void(Millis)> onMessagesPossible;
 
     Radio& Network() { return m_radio; }
-    Call& CurrentCall() { return m_call; }
+    VoiceCall& CurrentCall() { return m_call; }
 
     // For the commands.
     ModemConfig& Config() { return m_config; }
@@ -80,10 +72,11 @@ class Modem {
     void ReportStart(Millis now);
     // Reports it once more, behind the answer that is being made.
     void ReportStartAgain(Millis now);
-    // Has the network answer a USSD request; one that is under way is forgotten.
+    // Has the network answer a USSD request, or the reply to its question.
     void RequestUssd(Millis now);
-    void CancelUssd() { m_agenda.Drop(Topic::Ussd); }
-    void EndCall() { m_call = {}; }
+    void CancelUssd();
+    // The network waits for a reply no longer; false when it does not.
+    bool EndUssd(Millis now);
     unsigned char NextMessageReference() { return ++m_messageReference; }
     // Octets of the message that AT+CMGS announced, without the service centre's address.
     std::size_t announcedOctets = 0;
@@ -112,6 +105,7 @@ class Modem {
     void StartSim(Millis now);
     void LookAtSim(Millis now);
     void OnRegistration(Millis now);
+    void ReportUssd(int state, const std::string& text, Millis now);
     void Say(std::string_view text) const;
 
     ModemConfig& m_config;
@@ -122,7 +116,8 @@ class Modem {
     Radio m_radio;
 
     ModemSettings m_settings;
-    Call m_call;
+    VoiceCall m_call;
+    bool m_ussdAsked = false;  // the network waits for a reply
     bool m_powered = false;
     bool m_booted = false;
     bool m_started = false;

@@ -151,13 +151,15 @@ Outcome Modem::Execute(const std::vector<AtCommand>& commands, std::string& answ
 
 void Modem::Conclude(std::string_view asked, std::string answer, const Outcome& outcome, Millis now) {
     const bool prompt = outcome.kind == Outcome::Kind::Prompt;
+    const bool later = outcome.kind == Outcome::Kind::Later;
     if (outcome.kind == Outcome::Kind::Silent) {
         answer.clear();
-    } else {
+    } else if (!later) {
         answer += prompt ? "\r\n> " : "\r\n" + FinalResult(outcome, m_settings.errors) + "\r\n";
     }
     m_wire.Send(answer, Burst::Answer, now);
-    if (m_hooks.say) Say(Shown(asked) + " -> " + (answer.empty() ? "(silence)" : Visible(answer)));
+    if (m_hooks.say)
+        Say(Shown(asked) + " -> " + (later ? "(later)" : answer.empty() ? "(silence)" : Visible(answer)));
     m_mode = prompt ? Mode::Entry : Mode::Line;
     m_holding = prompt;
     m_entry = outcome;

@@ -48,7 +48,7 @@ struct ModemTimes {
     Millis registration = 2000;  // from there to the network
     Millis reply = 20;
     Millis simReply = 60;  // of commands that read or write the SIM
-    Millis dial = 20;      // of ATD and ATA
+    Millis dial = 20;      // from ATD to the far end's ringing; of ATA
     Millis send = 1500;    // of a message
     Millis ussd = 1000;    // from OK to the network's answer
 };
@@ -77,7 +77,7 @@ struct ModemConfig {
     std::string imei = "867959030000017";
     std::string operatorCode = "46000";
     std::string ussdAnswer = "Balance: 42.00";
-    bool ussdAsksBack = false;
+    std::string ussdQuestion;  // comes first and waits for a reply; empty = there is none
     int signal = 18;
     MessageFaults messageFaults;
     NetworkClock clock;

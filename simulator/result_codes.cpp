@@ -60,7 +60,8 @@ std::string FinalResult(const Outcome& outcome, int errors) {
         case Outcome::Kind::NoCarrier: return "NO CARRIER";
         case Outcome::Kind::Error:
         case Outcome::Kind::Prompt:
-        case Outcome::Kind::Silent: break;
+        case Outcome::Kind::Silent:
+        case Outcome::Kind::Later: break;
     }
     return "ERROR";
 }

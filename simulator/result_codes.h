@@ -43,7 +43,7 @@ enum class Cms {
 struct Exchange;
 
 struct Outcome {
-    enum class Kind { Ok, Error, Cme, Cms, NoCarrier, Prompt, Silent };
+    enum class Kind { Ok, Error, Cme, Cms, NoCarrier, Prompt, Silent, Later };
 
     Kind kind = Kind::Ok;
     int code = 0;
@@ -57,6 +57,8 @@ struct Outcome {
     static Outcome NoCarrier() { return {Kind::NoCarrier}; }
     // Nothing is answered, not even the lines that are ready.
     static Outcome Silent() { return {Kind::Silent}; }
+    // The final result comes when it is known; until then the module takes other commands.
+    static Outcome Later() { return {Kind::Later}; }
     static Outcome Prompt(Outcome (*entered)(Exchange&, std::string_view)) {
         return {Kind::Prompt, 0, entered};
     }

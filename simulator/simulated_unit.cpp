@@ -24,6 +24,8 @@ void SimulatedUnit::SetHooks(UnitHooks hooks) {
     m_hooks = std::move(hooks);
     m_modemHooks = {};
     if (m_hooks.say) m_modemHooks.say = [this](std::string_view text) { m_hooks.say(Voice::Modem, text); };
+    if (m_hooks.say)
+        m_modemHooks.network = [this](std::string_view text) { m_hooks.say(Voice::Network, text); };
     m_modemHooks.command = m_hooks.command;
     m_modemHooks.sent = [this](std::string_view pdu, Millis now) {
         if (m_hooks.sent) m_hooks.sent(pdu);
@@ -81,12 +83,18 @@ void SimulatedUnit::CrashModule(Millis now) {
 
 void SimulatedUnit::SetVanished(bool vanished) {
     m_vanished = vanished;
-    if (vanished) m_wire.Clear();
+    if (vanished) OnLinkLost();
 }
 
 void SimulatedUnit::SetUsbDown(bool down) {
     m_usbDown = down;
-    if (down) m_wire.Clear();
+    if (down) OnLinkLost();
+}
+
+// The module hangs up when nobody controls it any more, as with a dropped DTR.
+void SimulatedUnit::OnLinkLost() {
+    m_wire.Clear();
+    m_modem.CurrentCall().Lose("the module's USB link is gone");
 }
 
 void SimulatedUnit::SetSimInserted(bool inserted, Millis now) {

@@ -92,6 +92,7 @@ class SimulatedUnit {
     bool Get(DrvFunction function, int& value) const;
     void Set(DrvFunction function, int value, Millis now);
     void Act(DrvFunction function, Millis now);
+    void OnLinkLost();
 
     ModemConfig m_config;
     HeadUnit m_head;

@@ -15,6 +15,13 @@ TEST(Console, ExplainsWhatItDoesNotUnderstand) {
     bench.Start();
     const std::string_view lines[] = {
         "nonsense",
+        "call",
+        "call 12a",
+        "call 123456789012345678901",
+        "hangup",
+        "answer",
+        "busy",
+        "ussd-end",
         "sim",
         "sim sideways",
         "pin 12",
@@ -76,7 +83,7 @@ TEST(Console, ExplainsWhatItDoesNotUnderstand) {
 TEST(Console, HelpsWithEveryCommand) {
     BenchUnit bench;
     const std::string help = bench.unit.Command("help", bench.now).text;
-    for (const auto table : {UnitConsole(), LineConsole(), MessageConsole(), StateConsole()}) {
+    for (const auto table : {UnitConsole(), LineConsole(), CallConsole(), MessageConsole(), StateConsole()}) {
         for (const ConsoleCommand& command : table) {
             EXPECT_NE(help.find("\n" + std::string(command.name) + " "), help.find(command.name))
                 << command.name;

@@ -22,12 +22,13 @@ constexpr std::array arguments{
     "\"*100#\"", "\"+123\"", "",        "-1",       "x"};
 
 constexpr std::array consoleLines{
-    "sim out",     "sim in",       "pin 1234",    "pin off",   "puk 12345678",  "usb down",
-    "usb up",      "vanish",       "appear",      "module on", "module off",    "module restart",
-    "network off", "network on",   "split 3",     "split 0",   "noise 0.1",     "noise 0",
-    "late 2s",     "late 0",       "lose 0.5",    "lose 0",    "double 1",      "double 0",
-    "signal vary", "book add A 1", "book size 3", "urc RING",  "ask pin2 1234", "raw \\r\\n> ",
-    "calm",        "state",        "help",        "ussd x",    "time reply 0s",
+    "sim out",     "sim in",       "pin 1234",    "pin off",    "puk 12345678",  "usb down",
+    "usb up",      "vanish",       "appear",      "module on",  "module off",    "module restart",
+    "network off", "network on",   "split 3",     "split 0",    "noise 0.1",     "noise 0",
+    "late 2s",     "late 0",       "lose 0.5",    "lose 0",     "double 1",      "double 0",
+    "signal vary", "book add A 1", "book size 3", "urc RING",   "ask pin2 1234", "raw \\r\\n> ",
+    "calm",        "state",        "help",        "ussd x",     "time reply 0s", "call 1",
+    "call hidden", "hangup",       "answer",      "ussd-ask y", "busy",
 };
 
 template <class Array>

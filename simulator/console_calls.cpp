@@ -1,0 +1,95 @@
+// Console commands for voice calls and service codes: what the network and the far end of a call do.
+#include "platform/text.h"
+#include "simulator/simulated_unit.h"
+
+namespace varkel::sim {
+
+namespace {
+
+// Digits, maybe behind a "+".
+bool CallerNumber(std::string_view text) {
+    constexpr std::size_t longest = 20;
+    if (text.starts_with('+')) text.remove_prefix(1);
+    return !text.empty() && text.size() <= longest &&
+           text.find_first_not_of("0123456789*#") == std::string_view::npos;
+}
+
+CommandResult Call(SimulatedUnit& unit, std::string_view arguments, Millis now) {
+    const bool hidden = arguments == "hidden";
+    if (!hidden && !CallerNumber(arguments)) return Usage("call");
+    unit.GetModem().CurrentCall().Ring(hidden ? "" : arguments, now);
+    return {};
+}
+
+CommandResult Hangup(SimulatedUnit& unit, std::string_view arguments, Millis now) {
+    if (!arguments.empty()) return Usage("hangup");
+    return unit.GetModem().CurrentCall().FarEndHangsUp(now) ? CommandResult() : Failed("there is no call");
+}
+
+CommandResult Dialled(bool carriedOut) {
+    return carriedOut ? CommandResult() : Failed("the module dials nobody");
+}
+
+CommandResult Answer(SimulatedUnit& unit, std::string_view arguments, Millis now) {
+    if (!arguments.empty()) return Usage("answer");
+    return Dialled(unit.GetModem().CurrentCall().FarEndAnswers(now));
+}
+
+CommandResult Fail(SimulatedUnit& unit, std::string_view name, std::string_view arguments,
+                   std::string_view result, Millis now) {
+    if (!arguments.empty()) return Usage(name);
+    return Dialled(unit.GetModem().CurrentCall().FarEndFails(result, now));
+}
+
+CommandResult Busy(SimulatedUnit& unit, std::string_view arguments, Millis now) {
+    return Fail(unit, "busy", arguments, "BUSY", now);
+}
+
+CommandResult NoAnswer(SimulatedUnit& unit, std::string_view arguments, Millis now) {
+    return Fail(unit, "no-answer", arguments, "NO ANSWER", now);
+}
+
+CommandResult NoCarrier(SimulatedUnit& unit, std::string_view arguments, Millis now) {
+    return Fail(unit, "no-carrier", arguments, "NO CARRIER", now);
+}
+
+CommandResult NoDialtone(SimulatedUnit& unit, std::string_view arguments, Millis now) {
+    return Fail(unit, "no-dialtone", arguments, "NO DIALTONE", now);
+}
+
+CommandResult UssdAnswer(SimulatedUnit& unit, std::string_view arguments, Millis) {
+    unit.Config().ussdAnswer = arguments;
+    return {};
+}
+
+CommandResult UssdQuestion(SimulatedUnit& unit, std::string_view arguments, Millis) {
+    unit.Config().ussdQuestion = arguments;
+    return {};
+}
+
+CommandResult UssdEnd(SimulatedUnit& unit, std::string_view arguments, Millis now) {
+    if (!arguments.empty()) return Usage("ussd-end");
+    return unit.GetModem().EndUssd(now) ? CommandResult() : Failed("the network waits for no reply");
+}
+
+constexpr ConsoleCommand commands[] = {
+    {"call", "NUMBER|hidden", "somebody calls for a minute; one who was called at 10003 does so by himself",
+     Call},
+    {"hangup", "", "the far end gives up or hangs up", Hangup},
+    {"answer", "", "the dialled number answers; 10000 and 112 do so by themselves after 2 s", Answer},
+    {"busy", "", "it is busy, as 10001 always is", Busy},
+    {"no-answer", "", "nobody is there, as at 10002 and after 30 s anywhere else", NoAnswer},
+    {"no-carrier", "", "the network does not put the call through", NoCarrier},
+    {"no-dialtone", "", "the module finds no line", NoDialtone},
+    {"ussd", "TEXT", "what the network answers to service codes, and to messages to 10086", UssdAnswer},
+    {"ussd-ask", "[TEXT]", "it asks that first, and the reply gets the answer", UssdQuestion},
+    {"ussd-end", "", "it waits for the reply no longer, as it does after a minute", UssdEnd},
+};
+
+}  // namespace
+
+std::span<const ConsoleCommand> CallConsole() {
+    return commands;
+}
+
+}  // namespace varkel::sim
