@@ -69,7 +69,8 @@ CommandResult UssdQuestion(SimulatedUnit& unit, std::string_view arguments, Mill
 
 CommandResult UssdEnd(SimulatedUnit& unit, std::string_view arguments, Millis now) {
     if (!arguments.empty()) return Usage("ussd-end");
-    return unit.GetModem().EndUssd(now) ? CommandResult() : Failed("the network waits for no reply");
+    unit.GetModem().EndUssd(now);
+    return {};
 }
 
 constexpr ConsoleCommand commands[] = {
@@ -83,7 +84,7 @@ constexpr ConsoleCommand commands[] = {
     {"no-dialtone", "", "the module finds no line", NoDialtone},
     {"ussd", "TEXT", "what the network answers to service codes, and to messages to 10086", UssdAnswer},
     {"ussd-ask", "[TEXT]", "it asks that first, and the reply gets the answer", UssdQuestion},
-    {"ussd-end", "", "it waits for the reply no longer, as it does after a minute", UssdEnd},
+    {"ussd-end", "", "it ends the dialogue, as it does after a minute without a reply", UssdEnd},
 };
 
 }  // namespace

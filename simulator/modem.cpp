@@ -173,11 +173,9 @@ void Modem::CancelUssd() {
     m_ussdAsked = false;
 }
 
-bool Modem::EndUssd(Millis now) {
-    if (!m_ussdAsked) return false;
+void Modem::EndUssd(Millis now) {
     CancelUssd();
     Unsolicited("+CUSD: 2", now);
-    return true;
 }
 
 void Modem::OnRegistration(Millis now) {

@@ -75,8 +75,8 @@ class Modem {
     // Has the network answer a USSD request, or the reply to its question.
     void RequestUssd(Millis now);
     void CancelUssd();
-    // The network waits for a reply no longer; false when it does not.
-    bool EndUssd(Millis now);
+    // The network ends the dialogue.
+    void EndUssd(Millis now);
     unsigned char NextMessageReference() { return ++m_messageReference; }
     // Octets of the message that AT+CMGS announced, without the service centre's address.
     std::size_t announcedOctets = 0;

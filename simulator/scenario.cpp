@@ -91,7 +91,7 @@ class ScenarioParser {
         return true;
     }
 
-    // Each on a unit that runs, whatever the lines before have done to it.
+    // Each on a unit that runs and dials a number, whatever the lines before have done to it.
     CommandResult Try(std::string_view command) {
         m_trial.SetVanished(false);
         m_trial.SetUsbDown(false);
@@ -99,6 +99,9 @@ class ScenarioParser {
         m_trial.Messages().ForgetWaiting();
         m_trial.Sim().messages.Clear();
         m_time += trialTime;
+        m_trial.Advance(m_time);
+        m_trial.GetModem().CurrentCall().Lose("another line is tried");
+        m_trial.GetModem().CurrentCall().Dial("1", m_time);
         return m_trial.Command(command, m_time);
     }
 

@@ -21,7 +21,7 @@ TEST(Console, ExplainsWhatItDoesNotUnderstand) {
         "hangup",
         "answer",
         "busy",
-        "ussd-end",
+        "ussd-end now",
         "sim",
         "sim sideways",
         "pin 12",

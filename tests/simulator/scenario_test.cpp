@@ -35,6 +35,12 @@ TEST(ScenarioFile, IsReadLineByLine) {
     EXPECT_EQ(scenario.steps[6].kind, StepKind::End);
 }
 
+TEST(ScenarioFile, MayHoldACallThatOnlyTheRunCanHave) {
+    const Scenario scenario = ParseScenario(
+        "network off\nanswer\nhangup\nbusy\ncall 10010\nhangup\nmodule off\nno-answer\nussd-end\n");
+    EXPECT_TRUE(scenario.errors.empty()) << scenario.errors.front();
+}
+
 TEST(ScenarioFile, NamesTheLineOfEveryMistake) {
     const std::string_view lines[] = {
         "5x sim out",
