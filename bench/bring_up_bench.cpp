@@ -20,6 +20,7 @@
 #include "tests/support/real_unit.h"
 #include "tests/support/recorded_notices.h"
 #include "tests/support/recorded_sound.h"
+#include "tests/support/recorded_speech.h"
 #include "tests/support/scripted_screens.h"
 
 namespace {
@@ -41,22 +42,12 @@ Ticks OpenOnce(const std::string& directory) {
     TtySerialPort serial(runtime, [&unit](std::string_view) { return unit.Link(); }, {});
     MemoryProcesses processes(runtime);
     RecordedSound sound;
+    RecordedSpeech speech;
     RecordedNotices notices;
     const Language language(files, "english");
     ScriptedScreens screens(runtime);
-    Platform platform{runtime,
-                      loop,
-                      serial,
-                      *registry,
-                      objects,
-                      windows,
-                      unit,
-                      files,
-                      processes,
-                      sound,
-                      notices,
-                      language,
-                      CodePageNamed("GB18030"),
+    Platform platform{runtime, loop,      serial, *registry, objects, windows,  unit,
+                      files,   processes, sound,  speech,    notices, language, CodePageNamed("GB18030"),
                       log};
     Ticks took = 0;
     {

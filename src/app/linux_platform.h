@@ -7,6 +7,7 @@
 #include "platform/language.h"
 #include "platform/linux/bus.h"
 #include "platform/linux/bus_window_messages.h"
+#include "platform/linux/espeak_speech.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/linux_runtime.h"
 #include "platform/linux/linux_unit_files.h"
@@ -49,6 +50,7 @@ class LinuxPlatform {
     TtySerialPort m_serial;
     LinuxProcesses m_processes;
     SdlSound m_sound;
+    EspeakSpeech m_speech;
 };
 
 }  // namespace varkel

@@ -13,6 +13,7 @@
 #include "platform/runtime.h"
 #include "platform/serial_port.h"
 #include "platform/sound.h"
+#include "platform/speech_engine.h"
 #include "platform/unit_files.h"
 #include "platform/window_messages.h"
 
@@ -30,6 +31,7 @@ struct Platform {
     UnitFiles& files;
     Processes& processes;
     Sound& sound;
+    SpeechEngine& speech;
     Notices& notices;
     const Language& language;
     const CodePage& codePage;

@@ -32,6 +32,11 @@ enum class IdQuery : int { None = 0, Imsi = 1, Imei = 2 };
 struct SessionState {
     std::atomic<ScreenMode> MainScreenMode = ScreenMode::Closed;
 
+    // Dialog thread.
+    std::atomic<bool> g_bTTSOpen = true;  // captions are spoken; as last read
+    // A call that is established next waits until the redial button's caption has been spoken.
+    std::atomic<bool> m_bAudioDelay = false;
+
     // Open thread.
     std::atomic<bool> m_bModuleOpen = false;     // from the first step of opening to the end of shutting down
     std::atomic<bool> m_bModulePowered = false;  // the USB link came up after power-on

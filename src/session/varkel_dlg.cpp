@@ -43,6 +43,7 @@ CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens, SessionOptions opti
       m_messages(m_session, m_turn, m_calls, m_signal),
       m_oneShots(m_session, m_calls, m_messages, m_signal),
       m_programs(m_session),
+      m_speech(m_session),
       m_module(m_session, {m_link, m_sim, m_signal, m_phonebook, m_calls, m_data, m_messages}, this,
                &CVarkelDlg::OnSeriesRead, [this] {
                    if (m_background) m_platform.loop.Post([this] { HideOrQuit(); });
@@ -56,6 +57,7 @@ CVarkelDlg::~CVarkelDlg() {
           SessionTimer::SignalRepeat, SessionTimer::OneShots}) {
         m_platform.loop.KillTimer(static_cast<TimerId>(timer));
     }
+    m_speech.ShutDown();
     if (m_window != WindowHandle::None) m_platform.windows.DestroyWindow(m_window);
 }
 
@@ -70,6 +72,7 @@ void CVarkelDlg::OnInitDialog(std::string_view commandLine, LogLevel logLevel) {
 
     m_sharedData.Clear();
     m_sharedData.SetWindowHandle(static_cast<std::uint32_t>(m_window));
+    m_speech.Start(m_window);
     m_screens.SetSignalLevel(0);
     CheckPower();
     if (!m_programs.Start()) m_platform.notices.ShowMessageBox("创建线程失败", "");

@@ -14,6 +14,7 @@
 #include "session/session.h"
 #include "session/signal_watch.h"
 #include "session/sim_card.h"
+#include "session/speech.h"
 #include "session/worker.h"
 
 namespace varkel {
@@ -40,6 +41,7 @@ class CVarkelDlg {
     void HideOrQuit();
 
     MessageHandling& Messages() { return m_messages; }
+    Speech& GetSpeech() { return m_speech; }
     SessionState& State() { return m_state; }
     const SkinColors& Colors() const { return m_colors; }
 
@@ -82,6 +84,7 @@ class CVarkelDlg {
     MessageHandling m_messages;
     OneShotWatch m_oneShots;
     ProgramWatch m_programs;
+    Speech m_speech;
     ModuleControl m_module;
 };
 

@@ -31,6 +31,8 @@ const HeadlessCommands::Command HeadlessCommands::commands[] = {
      [](Self& self, auto) { self.m_messages.ShowNew(); }},
     {"send", "NUMBER TEXT", "send a message",
      [](Self& self, std::string_view text) { self.m_messages.Send(text); }},
+    {"say", "TEXT", "speak it, as the caption of a button",
+     [](Self& self, std::string_view text) { self.m_dialog.GetSpeech().Announce(text); }},
     {"exit", "", "leave the screen, as its exit cell does",
      [](Self& self, auto) { self.m_dialog.HideOrQuit(); }},
     {"quit", "", "switch the modem off and end", [](Self& self, auto) { self.m_dialog.Quit(); }},

@@ -23,7 +23,7 @@ class PrivateBus {
         m_daemon.emplace(
             *ChildProcess::Start({"setpriv", "--pdeathsig", "KILL", "dbus-daemon", "--session", "--nofork",
                                   "--nosyslog", "--print-address", "--address=" + Address()},
-                                 output.Get()));
+                                 {.output = output.Get()}));
         output.Reset();
         // It prints its address once it listens.
         char byte = 0;

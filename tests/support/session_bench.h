@@ -13,6 +13,7 @@
 #include "tests/support/memory_windows.h"
 #include "tests/support/recorded_notices.h"
 #include "tests/support/recorded_sound.h"
+#include "tests/support/recorded_speech.h"
 #include "tests/support/scripted_screens.h"
 #include "tests/support/virtual_runtime.h"
 #include "tests/support/virtual_serial.h"
@@ -75,14 +76,15 @@ struct SessionBench {
     MemoryWindows windows{loop};
     MemoryProcesses processes{runtime};
     RecordedSound sound;
+    RecordedSpeech speech;
     RecordedNotices notices;
     VirtualSerial serial{runtime};
     VirtualUnit unit;
     Language language{files, "english"};
     ScriptedScreens screens{runtime};
     const CodePage& codePage = CodePageNamed("GB18030");
-    Platform platform{runtime, loop,      serial, registry, objects,  windows,  unit,
-                      files,   processes, sound,  notices,  language, codePage, log};
+    Platform platform{runtime,   loop,  serial, registry, objects,  windows,  unit, files,
+                      processes, sound, speech, notices,  language, codePage, log};
     std::unique_ptr<CVarkelDlg> dialog;
 };
 

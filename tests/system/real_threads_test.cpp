@@ -15,6 +15,7 @@
 #include "tests/support/real_unit.h"
 #include "tests/support/recorded_notices.h"
 #include "tests/support/recorded_sound.h"
+#include "tests/support/recorded_speech.h"
 #include "tests/support/scratch.h"
 #include "tests/support/scripted_screens.h"
 
@@ -69,12 +70,13 @@ struct RealThreads : testing::Test {
     TtySerialPort serial{runtime, [this](std::string_view) { return unit.Link(); }, {}};
     MemoryProcesses processes{runtime};
     RecordedSound sound;
+    RecordedSpeech speech;
     RecordedNotices notices;
     Language language{files, "english"};
     ScriptedScreens screens{runtime};
     const CodePage& codePage = CodePageNamed("GB18030");
-    Platform platform{runtime, loop,      serial, *registry, objects,  windows,  unit,
-                      files,   processes, sound,  notices,   language, codePage, log};
+    Platform platform{runtime,   loop,  serial, *registry, objects,  windows,  unit, files,
+                      processes, sound, speech, notices,   language, codePage, log};
     std::unique_ptr<CVarkelDlg> dialog;
 };
 

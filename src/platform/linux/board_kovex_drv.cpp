@@ -71,7 +71,7 @@ bool RunCommand(const std::vector<std::string>& command, std::string& output) {
     if (pipe2(ends, O_CLOEXEC) != 0) return false;
     const FileDescriptor readEnd(ends[0]);
     FileDescriptor writeEnd(ends[1]);
-    auto child = ChildProcess::Start(command, writeEnd.Get());
+    auto child = ChildProcess::Start(command, {.output = writeEnd.Get()});
     writeEnd.Reset();
     if (!child) return false;
     output = CollectOutput(readEnd.Get(), deadline);

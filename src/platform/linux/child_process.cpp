@@ -36,7 +36,7 @@ LetGo letGo;
 // The attributes and file actions of one start.
 class SpawnSettings {
   public:
-    explicit SpawnSettings(int output) {
+    explicit SpawnSettings(const ChildStreams& streams) {
         posix_spawnattr_init(&m_attributes);
         posix_spawn_file_actions_init(&m_actions);
         sigset_t none;
@@ -48,8 +48,11 @@ class SpawnSettings {
         posix_spawnattr_setpgroup(&m_attributes, 0);
         constexpr int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP;
         posix_spawnattr_setflags(&m_attributes, flags);
-        posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        if (output >= 0) posix_spawn_file_actions_adddup2(&m_actions, output, STDOUT_FILENO);
+        if (streams.input < 0)
+            posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        Redirect(streams.input, STDIN_FILENO);
+        Redirect(streams.output, STDOUT_FILENO);
+        Redirect(streams.errors, STDERR_FILENO);
     }
 
     ~SpawnSettings() {
@@ -70,6 +73,10 @@ class SpawnSettings {
     }
 
   private:
+    void Redirect(int from, int to) {
+        if (from >= 0) posix_spawn_file_actions_adddup2(&m_actions, from, to);
+    }
+
     posix_spawnattr_t m_attributes;
     posix_spawn_file_actions_t m_actions;
 };
@@ -95,10 +102,11 @@ std::vector<std::string> SplitCommand(std::string_view command) {
     return parts;
 }
 
-std::optional<ChildProcess> ChildProcess::Start(const std::vector<std::string>& command, int output) {
+std::optional<ChildProcess> ChildProcess::Start(const std::vector<std::string>& command,
+                                                const ChildStreams& streams) {
     letGo.CollectEnded();
     pid_t pid = -1;
-    if (command.empty() || !SpawnSettings(output).Spawn(command, pid)) return std::nullopt;
+    if (command.empty() || !SpawnSettings(streams).Spawn(command, pid)) return std::nullopt;
     // By number: the C library's header for it is not made for C++.
     FileDescriptor end(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
     if (!end) {

@@ -16,12 +16,19 @@ namespace varkel {
 // are more or a quote stays open.
 std::vector<std::string> SplitCommand(std::string_view command);
 
+// Descriptors that a program gets; -1 leaves it nothing to read, and lets it write where this program writes.
+struct ChildStreams {
+    int input = -1;
+    int output = -1;
+    int errors = -1;
+};
+
 // A running program, the leader of a process group of its own. One thread at a time.
 class ChildProcess {
   public:
-    // Looks for the program on the PATH. It starts with no signal blocked, reads nothing, and writes to
-    // `output` when that is a descriptor, else where this program writes.
-    static std::optional<ChildProcess> Start(const std::vector<std::string>& command, int output = -1);
+    // Looks for the program on the PATH. It starts with no signal blocked.
+    static std::optional<ChildProcess> Start(const std::vector<std::string>& command,
+                                             const ChildStreams& streams = {});
     ChildProcess(ChildProcess&&) noexcept;
     ChildProcess& operator=(ChildProcess&&) = delete;
     // A program that still runs is let go: a later Start collects it when it has ended.
