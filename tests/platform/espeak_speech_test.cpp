@@ -97,8 +97,9 @@ TEST_F(EspeakSpeechTest, HandsOverTheTextAndNothingElse) {
     };
     const auto descriptors = test::OpenDescriptors();
     for (const auto& [text, heard] : texts) {
+        const std::string wanted = order + heard;
         Play(text);
-        EXPECT_TRUE(Until([&] { return Heard() == order + heard; })) << heard << "\n" << Heard();
+        EXPECT_TRUE(Until([&] { return Heard() == wanted; })) << wanted << "\n" << Heard();
     }
     EXPECT_TRUE(Until([this] { return NoChildren(); })) << "collected";
     EXPECT_EQ(test::OpenDescriptors(), descriptors);
@@ -107,10 +108,10 @@ TEST_F(EspeakSpeechTest, HandsOverTheTextAndNothingElse) {
     const char* const voices[][2] = {{"english", "en"}, {"chinese", "cmn"}, {"tchinese", "cmn"},
                                      {"arabic", "ar"},  {"russian", "ru"},  {"klingon", "en"}};
     for (const auto& [language, voice] : voices) {
+        const std::string wanted = "-v " + std::string(voice) + " -b 1 --stdin\nx";
         Start(language);
         Play("x");
-        EXPECT_TRUE(Until([&] { return Heard() == "-v " + std::string(voice) + " -b 1 --stdin\nx"; }))
-            << voice;
+        EXPECT_TRUE(Until([&] { return Heard() == wanted; })) << voice;
     }
 }
 
