@@ -1,4 +1,4 @@
-// Message boxes on the real file system, and messages to put into them.
+// All stores on the real file system, and records to put into them.
 #pragma once
 
 #include <filesystem>
@@ -8,7 +8,9 @@
 
 #include "platform/linux/linux_runtime.h"
 #include "platform/linux/linux_unit_files.h"
+#include "stores/call_list.h"
 #include "stores/message_box.h"
+#include "stores/phone_book_file.h"
 #include "tests/support/scratch.h"
 
 namespace varkel::test {
@@ -20,8 +22,23 @@ inline SmsRecord Message(int number, SmsState state = SmsState::Unread) {
     return MakeSmsRecord(SmsTimeFromStamp("0903071805"), std::to_string(13800138000 + number), text, state);
 }
 
+template <class Record>
+std::string BytesOf(const std::vector<Record>& list) {
+    return {reinterpret_cast<const char*>(list.data()), list.size() * sizeof(Record)};
+}
 inline std::string BytesOf(const MessageBox::List& list) {
-    return {reinterpret_cast<const char*>(list.data()), list.size() * sizeof(SmsRecord)};
+    return BytesOf<SmsRecord>(list);
+}
+
+inline CallRecord Call(int number) {
+    return MakeCallRecord({2009, 3, 7, 8, 5, number % 60}, "", std::to_string(13800138000 + number));
+}
+
+inline PhoneBookRecord Phone(int number) {
+    PhoneBookRecord record;
+    record.name.Assign("name " + std::to_string(number));
+    record.numbers[0].Assign(std::to_string(13800138000 + number));
+    return record;
 }
 
 // Messages `first` to `last`.
@@ -39,6 +56,8 @@ struct BoxesOnDisk {
     LinuxUnitFiles files{scratch / "flash", scratch / "assets"};
     Log log{runtime, files};
     MessageBoxes boxes{files, log};
+    CallLists calls{files, log};
+    PhoneBookFile phones{files, log};
 
     BoxesOnDisk() { std::filesystem::create_directories(directory); }
 

@@ -102,6 +102,44 @@ TEST_F(DiskFaults, FromOneCallOnLeaveOldOrNewList) {
         FailEveryCall(error, true);
 }
 
+// The other stores' changes, which take the same way to the disk.
+TEST_F(DiskFaults, LeaveCallsAndPhonebookAsTheyWereOrAsMeant) {
+    const std::vector<CallRecord> calls{Call(1), Call(2), Call(3)};
+    const std::vector<PhoneBookRecord> phones{Phone(1), Phone(2), Phone(3)};
+    const struct {
+        const char* file;
+        std::function<StoreResult()> run;
+        std::string after;
+    } changes[] = {
+        {"missedcall.msm", [&] { return disk.calls.missed.Append(Call(4)); },
+         BytesOf(std::vector{Call(1), Call(2), Call(3), Call(4)})},
+        {"missedcall.msm", [&] { return disk.calls.missed.Delete(calls, 0); },
+         BytesOf(std::vector{Call(1), Call(2)})},
+        {"phonebook.msm", [&] { return disk.phones.Add(Phone(4)); },
+         BytesOf(std::vector{Phone(1), Phone(2), Phone(3), Phone(4)})},
+        {"phonebook.msm", [&] { return disk.phones.Change(Phone(2), 1, Phone(5)); },
+         BytesOf(std::vector{Phone(1), Phone(5), Phone(3)})},
+        {"phonebook.msm", [&] { return disk.phones.Delete(Phone(2), 1); },
+         BytesOf(std::vector{Phone(1), Phone(3)})},
+    };
+    for (const auto& change : changes) {
+        for (int call = 1, calledBefore = call; call <= calledBefore && !HasFailure(); ++call) {
+            disk.Put({{"missedcall.msm", BytesOf(calls)}, {"phonebook.msm", BytesOf(phones)}});
+            const std::string old = FileContent(disk.directory + "/" + change.file);
+            DiskDouble faults(disk.directory);
+            faults.Fail({call, call % 2 == 0, call % 3 == 0 ? 0 : EIO});
+            const StoreResult result = change.run();
+            calledBefore = faults.Calls();
+            faults.Fail({});
+            const std::string left = FileContent(disk.directory + "/" + change.file);
+            if (result == StoreResult::Done) {
+                EXPECT_EQ(left, change.after) << change.file << ", call " << call;
+            }
+            EXPECT_TRUE(left == old || left == change.after) << change.file << ", call " << call;
+        }
+    }
+}
+
 // Whatever fails while it is read, an existing box is never taken for a missing one and written over.
 TEST_F(DiskFaults, OnReadingGiveTheListOrNone) {
     disk.Put({{"InboxMs.msm", BytesOf(before)}});

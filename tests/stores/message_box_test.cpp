@@ -195,21 +195,6 @@ TEST_F(MessageBoxTest, SetsAsideAFileThatIsFarTooLarge) {
     EXPECT_EQ(files.Content(inbox + ".old"), large);
 }
 
-// Records of other sizes, without a capacity: what calls and phonebook need of the template.
-TEST_F(MessageBoxTest, OtherRecordsStandInFilesOfTheirOwn) {
-    struct Call {
-        FixedText<100> text;
-    };
-    RecordFile<Call> calls(files, log, "NandFlash\\System\\Phone\\dialcall.msm");
-    for (int i = 0; i < 200; ++i)
-        EXPECT_EQ(calls.Append({FixedText<100>(std::to_string(i))}, SpaceGuard::On), StoreResult::Done);
-    auto list = calls.Load();
-    EXPECT_EQ(list.size(), 200u);
-    EXPECT_EQ(AtRow(list, 0)->text.View(), "199");
-    EXPECT_EQ(calls.Delete(list, 199), StoreResult::Done);
-    EXPECT_EQ(calls.Load().at(0).text.View(), "1");
-}
-
 TEST(MessageBoxOnDisk, MakesItsDirectories) {
     BoxesOnDisk disk;
     std::filesystem::remove_all(disk.scratch / "flash/NandFlash");

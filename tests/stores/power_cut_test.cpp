@@ -11,45 +11,95 @@ namespace {
 
 const char* const boxNames[] = {"InboxMs.msm", "OutboxMs.msm", "DraftsMs.msm"};
 
-// One update of a random box.
+// One update of a random store.
 struct Update {
     const char* file;
     std::string name;
-    MessageBox::List expected;  // what the box holds when it was made
+    std::string expected;  // what the file holds when it was made
     StoreResult result;
 };
 
-Update MakeUpdate(MessageBoxes& boxes, std::mt19937_64& random, int number) {
+Update UpdateBox(MessageBoxes& boxes, std::mt19937_64& random, int number) {
     MessageBox* const all[] = {&boxes.inbox, &boxes.outbox, &boxes.drafts};
     const auto which = random() % std::size(all);
     MessageBox& box = *all[which];
     MessageBox::List list = box.FindSmsRecord();
     const std::size_t row = list.empty() ? 0 : random() % list.size();
     const auto position = static_cast<std::ptrdiff_t>(list.size() - 1 - row);
-    Update update{boxNames[which], "append", list, StoreResult::Done};
+    Update update{boxNames[which], "append", "", StoreResult::Done};
     switch (list.empty() ? 0 : random() % 4) {
         case 0:
-            update.expected.push_back(Message(number));
-            if (update.expected.size() > SmsBoxCapacity) update.expected.erase(update.expected.begin());
+            list.push_back(Message(number));
+            if (list.size() > SmsBoxCapacity) list.erase(list.begin());
+            update.expected = BytesOf(list);
             update.result = box.Append(Message(number));
             break;
         case 1:
             update.name = "delete";
-            update.expected.erase(update.expected.begin() + position);
             update.result = box.Delete(list, row);
+            list.erase(list.begin() + position);
+            update.expected = BytesOf(list);
             break;
         case 2:
             update.name = "mark read";
-            if (which == 0) update.expected[list.size() - 1 - row].Index = SmsState::Opened;
             update.result = box.MarkRead(list, row);
+            if (which == 0) list[list.size() - 1 - row].Index = SmsState::Opened;
+            update.expected = BytesOf(list);
             break;
         default:
             update.name = "delete all";
-            update.expected.clear();
             update.result = box.DeleteAll();
             break;
     }
     return update;
+}
+
+Update UpdateCalls(CallList& calls, std::mt19937_64& random, int number) {
+    CallList::List list = calls.FindCallRecord();
+    Update update{"dialcall.msm", "append", "", StoreResult::Done};
+    if (list.empty() || random() % 2 == 0) {
+        update.result = calls.Append(Call(number));
+        list.push_back(Call(number));
+    } else {
+        const std::size_t row = random() % list.size();
+        update.name = "delete";
+        update.result = calls.Delete(list, row);
+        list.erase(list.end() - 1 - static_cast<std::ptrdiff_t>(row));
+    }
+    update.expected = BytesOf(list);
+    return update;
+}
+
+Update UpdatePhones(PhoneBookFile& phones, std::mt19937_64& random, int number) {
+    PhoneBookFile::List list = phones.Load();
+    Update update{"phonebook.msm", "append", "", StoreResult::Done};
+    const std::size_t index = list.empty() ? 0 : random() % list.size();
+    switch (list.empty() ? 0 : random() % 3) {
+        case 0:
+            update.result = phones.Add(Phone(number));
+            list.push_back(Phone(number));
+            break;
+        case 1:
+            // A change is held to the same room as an append.
+            update.result = phones.Change(list[index], index, Phone(number));
+            list[index] = Phone(number);
+            break;
+        default:
+            update.name = "delete";
+            update.result = phones.Delete(list[index], index);
+            list.erase(list.begin() + static_cast<std::ptrdiff_t>(index));
+            break;
+    }
+    update.expected = BytesOf(list);
+    return update;
+}
+
+Update MakeUpdate(BoxesOnDisk& disk, std::mt19937_64& random, int number) {
+    switch (random() % 4) {
+        case 0: return UpdateCalls(disk.calls.dialled, random, number);
+        case 1: return UpdatePhones(disk.phones, random, number);
+        default: return UpdateBox(disk.boxes, random, number);
+    }
 }
 
 // How often each kind of thing came about, so that a test which proves nothing is noticed.
@@ -65,7 +115,11 @@ class Life {
         : m_disk(disk), m_random(seed), m_seed(seed), m_tally(tally) {
         for (const char* const name : boxNames)
             m_before[name] = BytesOf(Messages(0, static_cast<int>(m_random() % 151) - 1));
-        m_before["dialcall.msm"] = std::string(300, 'd');
+        for (int number = static_cast<int>(m_random() % 200); number > 0; --number) {
+            m_before["dialcall.msm"] += BytesOf(std::vector{Call(number)});
+            m_before["phonebook.msm"] += BytesOf(std::vector{Phone(number)});
+        }
+        m_before["receivecall.msm"] = std::string(300, 'r');
         if (m_random() % 4 != 0) m_before["reserve~"] = std::string(64 * 1024, '\0');
         if (m_random() % 4 == 0) m_before["InboxMs.msm.new~"] = std::string(m_random() % 40000, 'n');
     }
@@ -76,7 +130,7 @@ class Life {
             DiskDouble disk(m_disk.directory);
             const bool full = m_random() % 2 == 0;
             if (full) disk.SetRoom(static_cast<std::int64_t>(m_random() % 3) * 4096);
-            const Update update = MakeUpdate(m_disk.boxes, m_random, number);
+            const Update update = MakeUpdate(m_disk, m_random, number);
             Judge(update, disk.Steps(), full);
             CutAnywhere(update, disk.Steps());
         }
@@ -124,7 +178,7 @@ class Life {
             ASSERT_NE(found, left.end()) << name << " is gone, " << update.name << ", seed " << m_seed;
             const bool changed = name == update.file;
             const bool old = found->second == bytes;
-            const bool isNew = changed && found->second == BytesOf(update.expected);
+            const bool isNew = changed && found->second == update.expected;
             ASSERT_TRUE(isNew || (old && !(done && changed)))
                 << name << " after " << update.name << ", seed " << m_seed;
         }
