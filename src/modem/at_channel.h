@@ -61,6 +61,8 @@ struct ModemHandlers {
     Text OnPhoneBookNum = nullptr;
     Text OnPhoneBookTest = nullptr;
     Text OnPhoneBookContent = nullptr;
+    // The final result of a command of the SIM's phonebook for which phonebookPending was set.
+    void (*OnPhoneBookResult)(void* owner, bool ok) = nullptr;
     Text OnCimi = nullptr;
     Text OnGsn = nullptr;
     void (*OnUssd)(void* owner, std::string_view text, int session) = nullptr;
@@ -151,10 +153,10 @@ class CATChannel {
     bool TakeUnderVoltage() { return m_underVoltage.exchange(false); }
     bool UssdSession() const { return m_ussdSession; }
 
-    // A dial, hang-up, message or USSD request has not had its final result.
+    // A dial, hang-up, message, USSD or phonebook request has not had its final result.
     bool OneShotPending() const {
         return hangUpPending.Pending() || dialPending.Pending() || m_promptAwaited || sendPending.Pending() ||
-               ussdPending.Pending();
+               ussdPending.Pending() || phonebookPending.Pending();
     }
     // A command of the last `memory` ms has not had its final result.
     bool AnswerOutstanding(Ticks memory) const;
@@ -166,6 +168,8 @@ class CATChannel {
     OneShot sendPending;
     // Set by cmd_dial, taken by "+CUSD:" and "ERROR".
     OneShot ussdPending;
+    // Set by whoever reads or writes the SIM's phonebook, who also sees to its end.
+    OneShot phonebookPending;
 
   private:
     enum class Secrecy { None, CarriesCode };
@@ -182,6 +186,7 @@ class CATChannel {
     void OnFinalOk();
     // All results of the text: each is an answer, though they raise one event.
     void CountFinalResults(std::string_view text, std::string_view result);
+    void ReportPhoneBookResult(bool ok);
     void OnPrompt();
     void ReportSendResult(bool sent);
 

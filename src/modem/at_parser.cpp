@@ -199,6 +199,7 @@ void CATChannel::OnFinalError() {
     if (sendPending.Take()) ReportSendResult(false);
     if (ussdPending.Take() && m_handlers.OnAtResult)
         m_handlers.OnAtResult(m_owner, AtResult::ServiceCodeFailed);
+    ReportPhoneBookResult(false);
 }
 
 void CATChannel::OnFinalOk() {
@@ -209,6 +210,11 @@ void CATChannel::OnFinalOk() {
     if (!m_dialWasServiceCode && hangUpPending.Take() && m_handlers.OnCallHooked)
         m_handlers.OnCallHooked(m_owner);
     if (sendPending.Take()) ReportSendResult(true);
+    ReportPhoneBookResult(true);
+}
+
+void CATChannel::ReportPhoneBookResult(bool ok) {
+    if (phonebookPending.Take() && m_handlers.OnPhoneBookResult) m_handlers.OnPhoneBookResult(m_owner, ok);
 }
 
 void CATChannel::ReportSendResult(bool sent) {

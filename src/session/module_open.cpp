@@ -157,7 +157,7 @@ bool ModuleOpen::Initialise() {
     if (!RunSteps(InitStepsBeforeRecords())) return false;
     m_parts.calls.ReloadRecords();
     if (!RunSteps(InitStepsBeforePhonebook())) return false;
-    m_parts.phonebook.Read();
+    if (!m_parts.phonebook.Read(m_waits)) return false;
     m_parts.sim.QueryIdentity(IdQuery::Imsi);
     m_parts.sim.QueryIdentity(IdQuery::Imei);
     return !m_waits.Cancelled();

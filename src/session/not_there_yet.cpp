@@ -25,19 +25,6 @@ void NoDataConnection::OnPoorSignal() {
     SayMissing(m_log, "OnPoorSignal");
 }
 
-void NoSimPhonebook::Read() {
-    SayMissing(m_log, "ReadSimPhonebook");
-}
-void NoSimPhonebook::OnPhoneBookNum(std::string_view /*text*/) {
-    SayMissing(m_log, "OnPhoneBookNum");
-}
-void NoSimPhonebook::OnPhoneBookTest(std::string_view /*text*/) {
-    SayMissing(m_log, "OnPhoneBookTest");
-}
-void NoSimPhonebook::OnPhoneBookContent(std::string_view /*text*/) {
-    SayMissing(m_log, "OnPhoneBookContent");
-}
-
 void NoCallControl::ReloadRecords() {
     SayMissing(m_log, "ReloadRecords");
 }

@@ -5,7 +5,6 @@
 #include "session/call_control.h"
 #include "session/data_connection.h"
 #include "session/session_state.h"
-#include "session/sim_phonebook.h"
 
 namespace varkel {
 
@@ -17,18 +16,6 @@ class NoDataConnection final : public DataConnection {
     void OpenNet() override;
     void RasHangUp() override;
     void OnPoorSignal() override;
-
-  private:
-    Log& m_log;
-};
-
-class NoSimPhonebook final : public SimPhonebook {
-  public:
-    explicit NoSimPhonebook(Log& log) : m_log(log) {}
-    void Read() override;
-    void OnPhoneBookNum(std::string_view text) override;
-    void OnPhoneBookTest(std::string_view text) override;
-    void OnPhoneBookContent(std::string_view text) override;
 
   private:
     Log& m_log;

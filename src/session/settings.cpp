@@ -67,6 +67,24 @@ std::uint32_t Settings::ReadFlag(std::string_view name) {
     return key ? QueryDword(*key, name).value_or(0) : 0;
 }
 
+PhoneBooks Settings::ReadCardDisp() {
+    const auto value = static_cast<PhoneBooks>(ReadDword(phoneBookKey, "CardDisp"));
+    return value == PhoneBooks::Local || value == PhoneBooks::Sim ? value : PhoneBooks::Both;
+}
+
+bool Settings::WriteCardDisp(PhoneBooks shown) {
+    return WriteDword(phoneBookKey, "CardDisp", static_cast<std::uint32_t>(shown));
+}
+
+PhoneBookKind Settings::ReadCardSaveTo() {
+    const auto value = static_cast<PhoneBookKind>(ReadDword(phoneBookKey, "CardSaveTo"));
+    return value == PhoneBookKind::Sim ? value : PhoneBookKind::Local;
+}
+
+bool Settings::WriteCardSaveTo(PhoneBookKind book) {
+    return WriteDword(phoneBookKey, "CardSaveTo", static_cast<std::uint32_t>(book));
+}
+
 ColorRef Settings::ReadColor(std::string_view prefix) {
     const auto key = OpenKey(m_registry, "CharacterAttr");
     if (!key) return 0;

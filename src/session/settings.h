@@ -28,6 +28,10 @@ struct SkinColors {
     static constexpr ColorRef disabled = 0x808080;
 };
 
+enum class PhoneBookKind { Local = 0, Sim = 1 };
+// What the phonebook screen shows.
+enum class PhoneBooks { Both = 0, Local = 1, Sim = 2 };
+
 // All keys lie under HKEY_LOCAL_MACHINE. Reads never fail: what is missing, unreadable or of another type
 // gives the default. Any thread.
 class Settings {
@@ -51,6 +55,13 @@ class Settings {
     std::uint32_t ReadAutoOpenFlag() { return ReadFlag("m_GprsAutoOpenFlag"); }
     bool WriteAutoOpenFlag(std::uint32_t open) { return WriteDword(openFlagKey, "m_GprsAutoOpenFlag", open); }
 
+    // "GPRS\PhoneBookSet": what the phonebook screen shows ("CardDisp") and where it puts a new entry
+    // ("CardSaveTo").
+    PhoneBooks ReadCardDisp();
+    bool WriteCardDisp(PhoneBooks shown);
+    PhoneBookKind ReadCardSaveTo();
+    bool WriteCardSaveTo(PhoneBookKind book);
+
     // "CharacterAttr".
     SkinColors LoadColors();
 
@@ -67,6 +78,7 @@ class Settings {
 
   private:
     static constexpr std::string_view openFlagKey = "GPRS\\OPENFLAG";
+    static constexpr std::string_view phoneBookKey = "GPRS\\PhoneBookSet";
 
     std::uint32_t ReadFlag(std::string_view name);
     ColorRef ReadColor(std::string_view prefix);

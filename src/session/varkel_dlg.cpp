@@ -35,7 +35,7 @@ CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens, SessionOptions opti
       m_turn(platform.runtime, m_at),
       m_sharedData(platform.objects, platform.log),
       m_data(platform.log),
-      m_phonebook(platform.log),
+      m_phones(m_session, m_turn),
       m_calls(platform.log),
       m_linkWorker(platform.runtime, "data link"),
       m_sim(m_session),
@@ -44,7 +44,7 @@ CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens, SessionOptions opti
       m_oneShots(m_session, m_calls, m_messages, m_signal),
       m_programs(m_session),
       m_speech(m_session),
-      m_module(m_session, {m_link, m_sim, m_signal, m_phonebook, m_calls, m_data, m_messages}, this,
+      m_module(m_session, {m_link, m_sim, m_signal, m_phones.Sim(), m_calls, m_data, m_messages}, this,
                &CVarkelDlg::OnSeriesRead, [this] {
                    if (m_background) m_platform.loop.Post([this] { HideOrQuit(); });
                }) {
@@ -79,6 +79,7 @@ void CVarkelDlg::OnInitDialog(std::string_view commandLine, LogLevel logLevel) {
     CreateNamedEvents();
     ModemHandlers handlers = Handlers();
     handlers.sendResult = m_sendSmSus;
+    m_phones.Sim().SetContentEvent(m_recPhoneBookSus);
     m_messages.SetClientEvents(m_recvSmEvent, m_sendSmSus);
     m_at.SetHandlers(handlers);
     if (!m_module.Start()) m_platform.notices.ShowMessageBox("创建线程失败", "");
@@ -157,6 +158,7 @@ void CVarkelDlg::OnSeriesRead(void* owner, std::string_view chunk) {
     self.m_state.m_lastReceive = self.m_platform.runtime.GetTickCount();
     self.m_state.m_everReceived = true;
     self.m_platform.log.Trace("[CVarkelDlg::OnSeriesRead]dwcomReturn:%zu", chunk.size());
+    self.m_phones.Sim().OnChunk(chunk);
     self.m_at.ProcessRcv(chunk);
 }
 
@@ -201,11 +203,12 @@ ModemHandlers CVarkelDlg::Handlers() {
         Self(o).m_oneShots.Watch();
     };
 
-    to.OnPhoneBookNum = [](void* o, std::string_view text) { Self(o).m_phonebook.OnPhoneBookNum(text); };
-    to.OnPhoneBookTest = [](void* o, std::string_view text) { Self(o).m_phonebook.OnPhoneBookTest(text); };
+    to.OnPhoneBookNum = [](void* o, std::string_view text) { Self(o).m_phones.Sim().OnPhoneBookNum(text); };
+    to.OnPhoneBookTest = [](void* o, std::string_view text) { Self(o).m_phones.Sim().OnPhoneBookTest(text); };
     to.OnPhoneBookContent = [](void* o, std::string_view text) {
-        Self(o).m_phonebook.OnPhoneBookContent(text);
+        Self(o).m_phones.Sim().OnPhoneBookContent(text);
     };
+    to.OnPhoneBookResult = [](void* o, bool ok) { Self(o).m_phones.Editor().OnResult(ok); };
 
     // Known, and of no consequence beyond the log.
     to.OnCallReady = [](void*, std::string_view) {};

@@ -10,6 +10,7 @@
 #include "session/module_control.h"
 #include "session/not_there_yet.h"
 #include "session/one_shot_watch.h"
+#include "session/phone_book.h"
 #include "session/program_watch.h"
 #include "session/session.h"
 #include "session/signal_watch.h"
@@ -42,6 +43,7 @@ class CVarkelDlg {
 
     MessageHandling& Messages() { return m_messages; }
     Speech& GetSpeech() { return m_speech; }
+    PhoneBook& Phones() { return m_phones; }
     SessionState& State() { return m_state; }
     const SkinColors& Colors() const { return m_colors; }
 
@@ -76,7 +78,7 @@ class CVarkelDlg {
     std::shared_ptr<Event> m_simSus;
 
     NoDataConnection m_data;
-    NoSimPhonebook m_phonebook;
+    PhoneBook m_phones;
     NoCallControl m_calls;
     Worker m_linkWorker;
     SimCard m_sim;
