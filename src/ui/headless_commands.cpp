@@ -31,6 +31,16 @@ const HeadlessCommands::Command HeadlessCommands::commands[] = {
      [](Self& self, auto) { self.m_messages.ShowNew(); }},
     {"send", "NUMBER TEXT", "send a message",
      [](Self& self, std::string_view text) { self.m_messages.Send(text); }},
+    {"phonebook", "[PART]", "the entries of both phonebooks, or those that contain the part",
+     [](Self& self, std::string_view part) { self.m_phones.List(part); }},
+    {"add", "NAME NUMBER", "a new entry",
+     [](Self& self, std::string_view entry) { self.m_phones.Add(PhoneBookKind::Local, entry); }},
+    {"add-sim", "NAME NUMBER", "a new entry on the SIM",
+     [](Self& self, std::string_view entry) { self.m_phones.Add(PhoneBookKind::Sim, entry); }},
+    {"remove", "N", "delete entry N of the entries shown last",
+     [](Self& self, std::string_view number) { self.m_phones.Remove(number); }},
+    {"find", "NUMBER", "whose number it is",
+     [](Self& self, std::string_view number) { self.m_phones.Find(number); }},
     {"say", "TEXT", "speak it, as the caption of a button",
      [](Self& self, std::string_view text) { self.m_dialog.GetSpeech().Announce(text); }},
     {"exit", "", "leave the screen, as its exit cell does",
@@ -47,7 +57,8 @@ void HeadlessCommands::Run(std::string_view line) {
     for (const Command& command : commands) {
         if (name != command.name) continue;
         const bool takesNone = *command.arguments == '\0';
-        if (takesNone == arguments.empty()) {
+        const bool mayTakeNone = *command.arguments == '[';
+        if (mayTakeNone || takesNone == arguments.empty()) {
             command.run(*this, arguments);
         } else {
             m_terminal.PrintLine(std::string("[error] usage: ") + command.name + " " + command.arguments);
@@ -60,7 +71,7 @@ void HeadlessCommands::Run(std::string_view line) {
 void HeadlessCommands::Help() {
     for (const Command& command : commands) {
         std::string line = std::string("  ") + command.name + " " + command.arguments;
-        line.resize(20, ' ');
+        line.resize(24, ' ');
         m_terminal.PrintLine(line + command.help);
     }
 }

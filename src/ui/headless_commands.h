@@ -7,6 +7,7 @@
 #include "platform/terminal.h"
 #include "session/varkel_dlg.h"
 #include "ui/headless_messages.h"
+#include "ui/headless_phone_book.h"
 
 namespace varkel {
 
@@ -14,7 +15,10 @@ namespace varkel {
 class HeadlessCommands {
   public:
     HeadlessCommands(CVarkelDlg& dialog, const CodePage& page, Terminal& terminal)
-        : m_dialog(dialog), m_terminal(terminal), m_messages(dialog, page, terminal) {}
+        : m_dialog(dialog),
+          m_terminal(terminal),
+          m_messages(dialog, page, terminal),
+          m_phones(dialog, terminal) {}
 
     void Run(std::string_view line);
 
@@ -28,6 +32,7 @@ class HeadlessCommands {
     CVarkelDlg& m_dialog;
     Terminal& m_terminal;
     HeadlessMessages m_messages;
+    HeadlessPhoneBook m_phones;
 };
 
 }  // namespace varkel
