@@ -1,10 +1,13 @@
-// Answers of any shape to the handlers of the SIM, the signal, the messages and the module's readiness. The
-// input is a sequence of {which handler, length, text}.
+// Answers of any shape to the handlers of the SIM and its phonebook, the signal, the messages and the
+// module's readiness. The input is a sequence of {which handler, length, text}.
+#include <cassert>
+
 #include "fuzz/input.h"
 #include "session/message_handling.h"
 #include "session/not_there_yet.h"
 #include "session/signal_watch.h"
 #include "session/sim_card.h"
+#include "session/sim_phonebook.h"
 #include "tests/support/session_bench.h"
 
 namespace {
@@ -13,10 +16,18 @@ using namespace varkel;
 using namespace varkel::test;
 
 struct Target {
-    Target() { bench.log.Open("log", 64 * 1024, LogLevel::Debug); }
+    Target() {
+        bench.log.Open("log", 64 * 1024, LogLevel::Debug);
+        reading = bench.runtime.CreateThread({.name = "reading"}, [this] {
+            for (;;) {
+                (void)phonebook.Read(waits);
+                bench.runtime.Sleep(10);
+            }
+        });
+    }
 
     void Handle(unsigned handler, std::string_view text) {
-        switch (handler % 10) {
+        switch (handler % 14) {
             case 0: sim.OnCpin(text); break;
             case 1: sim.OnUrcInd(text); break;
             case 2: sim.OnSimInserted(text); break;
@@ -26,6 +37,13 @@ struct Target {
             case 6: messages.OnMsContent(text); break;
             case 7: messages.OnMsCenterNo(text); break;
             case 8: messages.OnSendMsSuc(); break;
+            case 10: phonebook.OnPhoneBookNum(text); break;
+            case 11: phonebook.OnPhoneBookTest(text); break;
+            case 12: phonebook.OnPhoneBookContent(text); break;
+            case 13:
+                phonebook.OnChunk(text);
+                assert(phonebook.Entries().size() <= 1000 && phonebook.Limits().number >= 0);
+                break;
             default: signal.OnSignalStatus(text); break;
         }
     }
@@ -40,6 +58,9 @@ struct Target {
     SimCard sim{session};
     CommandTurn turn{bench.runtime, at};
     SignalWatch signal{session, turn, data, worker};
+    SimPhonebook phonebook{session};
+    OpenWaits waits{bench.runtime};
+    std::shared_ptr<Thread> reading;
     NoCallControl calls{bench.log};
     MessageHandling messages{session, turn, calls, signal};
 };
