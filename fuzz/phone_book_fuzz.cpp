@@ -23,7 +23,7 @@ bool FieldIs(const std::string& file, std::size_t record, std::size_t field, std
 
 bool Found(const std::string& file, std::string_view number) {
     for (std::size_t record = 0; record < file.size() / recordBytes; ++record) {
-        for (const std::size_t field : {1, 2, 3, 4}) {
+        for (std::size_t field = 1; field <= 4; ++field) {
             if (FieldIs(file, record, field, number)) return !number.empty();
         }
     }
