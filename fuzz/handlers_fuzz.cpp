@@ -1,13 +1,13 @@
-// Answers of any shape to the handlers of the SIM and its phonebook, the signal, the messages and the
-// module's readiness. The input is a sequence of {which handler, length, text}.
+// Answers of any shape to the handlers of the SIM and its phonebook, the signal, the messages, the calls and
+// the module's readiness. The input is a sequence of {which handler, length, text}.
 #include <cassert>
 
 #include "fuzz/input.h"
+#include "session/call_control.h"
 #include "session/message_handling.h"
 #include "session/not_there_yet.h"
 #include "session/signal_watch.h"
 #include "session/sim_card.h"
-#include "session/sim_phonebook.h"
 #include "tests/support/session_bench.h"
 
 namespace {
@@ -27,7 +27,7 @@ struct Target {
     }
 
     void Handle(unsigned handler, std::string_view text) {
-        switch (handler % 14) {
+        switch (handler % 18) {
             case 0: sim.OnCpin(text); break;
             case 1: sim.OnUrcInd(text); break;
             case 2: sim.OnSimInserted(text); break;
@@ -37,6 +37,7 @@ struct Target {
             case 6: messages.OnMsContent(text); break;
             case 7: messages.OnMsCenterNo(text); break;
             case 8: messages.OnSendMsSuc(); break;
+            case 9: calls.OnRingNo(text); break;
             case 10: phonebook.OnPhoneBookNum(text); break;
             case 11: phonebook.OnPhoneBookTest(text); break;
             case 12: phonebook.OnPhoneBookContent(text); break;
@@ -44,6 +45,9 @@ struct Target {
                 phonebook.OnChunk(text);
                 assert(phonebook.Entries().size() <= 1000 && phonebook.Limits().number >= 0);
                 break;
+            case 14: calls.OnUssd(text); break;
+            case 15: calls.OnCallHooked(); break;
+            case 16: calls.OnRing(text); break;
             default: signal.OnSignalStatus(text); break;
         }
     }
@@ -58,10 +62,12 @@ struct Target {
     SimCard sim{session};
     CommandTurn turn{bench.runtime, at};
     SignalWatch signal{session, turn, data, worker};
-    SimPhonebook phonebook{session};
+    PhoneBook book{session, turn};
+    SimPhonebook& phonebook = book.Sim();
     OpenWaits waits{bench.runtime};
     std::shared_ptr<Thread> reading;
-    NoCallControl calls{bench.log};
+    CallLists lists{bench.files, bench.log};
+    CallControl calls{session, turn, signal, book, lists};
     MessageHandling messages{session, turn, calls, signal};
 };
 

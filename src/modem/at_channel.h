@@ -141,6 +141,13 @@ class CATChannel {
     // The parser: takes one chunk and raises its events. Read thread only.
     void ProcessRcv(std::string_view chunk);
 
+    // A new request to a call takes the place of those before it.
+    void ClearCallRequests() {
+        dialPending.Take();
+        hangUpPending.Take();
+        m_dialWasServiceCode = false;
+    }
+
     // When the last command was sent.
     Ticks LastCommand() const { return m_lastCommand; }
     // The controller knows the module's USB link to be up.

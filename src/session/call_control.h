@@ -1,24 +1,117 @@
-// Calls, as the rest of the session uses them.
+// Calls: what the modem reports of them, what the user does with them, and what the unit must know.
 #pragma once
 
+#include <atomic>
+#include <string>
 #include <string_view>
+
+#include "platform/guarded.h"
+#include "session/command_turn.h"
+#include "session/phone_book.h"
+#include "session/session.h"
+#include "session/signal_watch.h"
+#include "session/value_table.h"
+#include "session/worker.h"
+#include "stores/call_list.h"
 
 namespace varkel {
 
+// What is known of the call that rings, is dialled or is up.
+struct Call {
+    bool m_bOutgoingCall = false;  // dialled; until it is established or has ended
+    bool m_bRedialCall = false;    // the same, by redial
+    bool m_bRinging = false;       // from the first RING to the end
+    bool m_bClipArmed = true;      // the next caller's number is the one of this call
+    bool established = false;
+    std::string m_strCallNumber;  // the caller's, as reported
+    std::string m_strCallName;    // the one that the phonebooks have for it, or the number
+
+    bool Outgoing() const { return m_bOutgoingCall || m_bRedialCall; }
+    bool Any() const { return Outgoing() || m_bRinging || established; }
+};
+
+// A modem's event changes the state of the call at once and under its lock; what follows from it, audio,
+// suspend locks, records, values, is done by a worker in the order of the events, each with the call as it
+// was then. So neither a slow driver nor the flash keeps the next RING waiting, and no call ends with another
+// one's number.
 class CallControl {
   public:
-    virtual ~CallControl() = default;
+    CallControl(Session& session, CommandTurn& turn, SignalWatch& signal, PhoneBook& book, CallLists& lists);
+    ~CallControl();
 
-    // Reads the three call lists from their files. Open thread.
-    virtual void ReloadRecords() = 0;
-    // A call rings, is dialled or is established. Any thread.
-    virtual bool Busy() const = 0;
+    // No call is up at the start, whatever an earlier run has left in the registry. Dialog thread.
+    void Start();
+
     // Read thread; quick.
-    virtual void OnRing() = 0;
-    virtual void OnRingNo(std::string_view text) = 0;
-    virtual void OnCallEstablished() = 0;
-    virtual void OnCallHooked() = 0;
-    virtual void OnUssd(std::string_view text) = 0;
+    void OnRing(std::string_view text);
+    void OnRingNo(std::string_view text);
+    void OnUssd(std::string_view text);
+    // A service code was refused.
+    void OnServiceCodeFailed();
+    // Any thread.
+    void OnCallEstablished();
+    void OnCallHooked();
+    // The port is closed: what was up has ended. Waits until audio and locks are given back, at most 5 s.
+    void OnModuleClosed();
+    // A call rings, is dialled or is established.
+    bool Busy() const {
+        return m_call.With([](const Call& call) { return call.Any(); });
+    }
+
+    // What the user does. Each returns at once; a warning says what is wrong. Any thread but the read thread.
+    // Dials and writes the number into the list of dialled calls. False when nothing is dialled.
+    bool Dial(std::string_view number);
+    // Dials the number that was dialled last, at most once a second.
+    void OnRedial();
+    // Dials without a record.
+    bool Redial(std::string_view number);
+    void Answer();
+    void Reject();
+    // Ends the call that is up, or gives up the one that is dialled.
+    void HangUp();
+    // One of 0-9 * # + A-D, to the other party of the call that is up.
+    void SendTone(std::string_view key);
+    void ToggleSpeaker();
+
+    CallLists& Lists() { return m_lists; }
+
+  private:
+    enum class Guard : int { CALL_READY = 0, Establishing = 1, Ending = 2 };
+
+    // The worker's jobs.
+    void Established(const Call& call);
+    void Ended(const Call& call);
+    void Publish(const Call& ended);
+    void Record(CallList& list, std::string_view number, std::string_view name);
+    void SendDial(const DialString& number, bool withRecord);
+    template <class SetOneShot, class Send>
+    void Request(SetOneShot setOneShot, Send send);
+
+    bool MayDial(std::string_view number, DialString& dialled);
+    bool BeginDial(std::string_view number, bool Call::*how);
+    bool EnoughPower();
+    void WatchRing();
+    void WatchLink();
+    void ShowCaller(const Call& call);
+    void EndServiceCode();
+    void Broadcast(const char* name, std::uint32_t wParam, std::uint32_t lParam);
+    void StopPoll() { m_signal.Stop(); }
+    void RestartPoll();
+
+    Session& m_session;
+    CommandTurn& m_turn;
+    SignalWatch& m_signal;
+    PhoneBook& m_book;
+    CallLists& m_lists;
+
+    mutable Guarded<Call> m_call;
+    Guarded<std::string> m_ShowNumStr;  // the number to redial
+    std::atomic<Guard> nCallStatus = Guard::CALL_READY;
+    std::atomic<bool> m_bUserHangUp = false;
+    Guarded<Ticks> m_dwLastRedial;
+    std::atomic<bool> m_redialled = false;  // m_dwLastRedial means something
+    ValueTable m_values;                    // the worker's, after Start
+    Worker m_worker;                        // last: its thread ends first
 };
 
 }  // namespace varkel

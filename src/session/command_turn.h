@@ -3,6 +3,8 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
+#include <utility>
 
 #include "modem/at_channel.h"
 #include "platform/runtime.h"
@@ -36,7 +38,11 @@ class CommandTurn {
             m_runtime.Sleep(slice);
         send();
         m_taken = false;
+        if (m_onOneShot) m_onOneShot();
     }
+
+    // Hears of each request, so that none waits for ever. Before the first one.
+    void SetWatch(std::function<void()> onOneShot) { m_onOneShot = std::move(onOneShot); }
 
   private:
     static constexpr Ticks longestAnswer = 1000;
@@ -44,6 +50,7 @@ class CommandTurn {
 
     Runtime& m_runtime;
     CATChannel& m_at;
+    std::function<void()> m_onOneShot;
     std::atomic<bool> m_taken = false;  // somebody is sending
 };
 

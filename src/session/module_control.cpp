@@ -173,6 +173,7 @@ void ModuleControl::Network_interface_Disconnect() {
     m_parts.messages.OnModuleClosed();
     m_parts.link.ClosePort();
     m_parts.phonebook.OnModuleClosed();
+    m_parts.calls.OnModuleClosed();
     m_session.platform.driver.SetTmcPower(0);
     m_session.platform.driver.Set3GPower(0);
     state.MainScreenMode = ScreenMode::Closed;

@@ -155,7 +155,6 @@ bool ModuleOpen::RunSteps(std::span<const InitStep> steps) {
 bool ModuleOpen::Initialise() {
     m_session.screens.ShowOpenStep(OpenStep::Initialise, 0);
     if (!RunSteps(InitStepsBeforeRecords())) return false;
-    m_parts.calls.ReloadRecords();
     if (!RunSteps(InitStepsBeforePhonebook())) return false;
     if (!m_parts.phonebook.Read(m_waits)) return false;
     m_parts.sim.QueryIdentity(IdQuery::Imsi);

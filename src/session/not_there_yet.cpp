@@ -25,23 +25,4 @@ void NoDataConnection::OnPoorSignal() {
     SayMissing(m_log, "OnPoorSignal");
 }
 
-void NoCallControl::ReloadRecords() {
-    SayMissing(m_log, "ReloadRecords");
-}
-void NoCallControl::OnRing() {
-    SayMissing(m_log, "OnRing");
-}
-void NoCallControl::OnRingNo(std::string_view /*text*/) {
-    SayMissing(m_log, "OnRingNo");
-}
-void NoCallControl::OnCallEstablished() {
-    SayMissing(m_log, "OnCallEstablished");
-}
-void NoCallControl::OnCallHooked() {
-    SayMissing(m_log, "OnCallHooked");
-}
-void NoCallControl::OnUssd(std::string_view /*text*/) {
-    SayMissing(m_log, "OnUssd");
-}
-
 }  // namespace varkel

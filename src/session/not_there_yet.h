@@ -2,7 +2,6 @@
 #pragma once
 
 #include "platform/log.h"
-#include "session/call_control.h"
 #include "session/data_connection.h"
 #include "session/session_state.h"
 
@@ -16,21 +15,6 @@ class NoDataConnection final : public DataConnection {
     void OpenNet() override;
     void RasHangUp() override;
     void OnPoorSignal() override;
-
-  private:
-    Log& m_log;
-};
-
-class NoCallControl final : public CallControl {
-  public:
-    explicit NoCallControl(Log& log) : m_log(log) {}
-    void ReloadRecords() override;
-    bool Busy() const override { return false; }
-    void OnRing() override;
-    void OnRingNo(std::string_view text) override;
-    void OnCallEstablished() override;
-    void OnCallHooked() override;
-    void OnUssd(std::string_view text) override;
 
   private:
     Log& m_log;

@@ -29,6 +29,7 @@ void OneShotWatch::OnTimer() {
     bool expired = false;
     if (Expired(at.dialPending, longestResult, "dial")) {
         expired = true;
+        at.cmd_hangup();
         m_calls.OnCallHooked();
     }
     if (Expired(at.hangUpPending, longestHangUp, "hang-up")) expired = true;

@@ -61,6 +61,15 @@ class Screens {
     virtual void PlaceWindow(WindowPlace place) = 0;
     // A warning with nothing to choose. One that is on the screen already is not shown again.
     virtual void Warn(WarnCode code) = 0;
+    // The incoming-call screen, above all others.
+    virtual void ShowIncomingCall(bool show) = 0;
+    // Who calls; an empty text forgets it.
+    virtual void SetCallerText(std::string_view text) = 0;
+    // What the network answers to a service code.
+    virtual void ShowUssd(std::string_view text) = 0;
+    // True when the screen stood there.
+    virtual bool HideUssd() = 0;
+    virtual void HideWriteMessage() = 0;
     virtual void ShowSendTip(SendTip tip) = 0;
     // The new-message screen, which sets m_nNewMessages to 0 when it opens.
     virtual void ShowNewMessages() = 0;

@@ -41,6 +41,8 @@ enum class SessionTimer : TimerId {
     SignalRepeat = 11,
     OneShots = 12,
     SendTip = 13,
+    RingLost = 14,
+    CallLink = 15,
 };
 
 }  // namespace varkel

@@ -65,7 +65,9 @@ struct SessionState {
     std::atomic<bool> m_bSignalPolling = false;
     std::atomic<int> m_nLowSignalCount = 0;  // 0..3
     std::atomic<bool> m_externalClient = false;
-    std::atomic<int> m_nNewMessages = 0;  // since the user last opened the new-message screen
+    std::atomic<bool> m_bOpenPending = false;   // opening waits until the window is shown
+    std::atomic<bool> m_bWindowHidden = false;  // left with the module on
+    std::atomic<int> m_nNewMessages = 0;        // since the user last opened the new-message screen
 
     // Dialog thread, at the start.
     std::atomic<int> m_nDialogType = 1;

@@ -36,10 +36,11 @@ CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens, SessionOptions opti
       m_sharedData(platform.objects, platform.log),
       m_data(platform.log),
       m_phones(m_session, m_turn),
-      m_calls(platform.log),
       m_linkWorker(platform.runtime, "data link"),
       m_sim(m_session),
       m_signal(m_session, m_turn, m_data, m_linkWorker),
+      m_callLists(platform.files, platform.log),
+      m_calls(m_session, m_turn, m_signal, m_phones, m_callLists),
       m_messages(m_session, m_turn, m_calls, m_signal),
       m_oneShots(m_session, m_calls, m_messages, m_signal),
       m_programs(m_session),
@@ -48,6 +49,7 @@ CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens, SessionOptions opti
                &CVarkelDlg::OnSeriesRead, [this] {
                    if (m_background) m_platform.loop.Post([this] { HideOrQuit(); });
                }) {
+    m_turn.SetWatch([this] { m_oneShots.Watch(); });
     m_link.SetLostCallback([](void* owner) { Self(owner).m_module.OnLinkLost(); });
 }
 
@@ -76,6 +78,7 @@ void CVarkelDlg::OnInitDialog(std::string_view commandLine, LogLevel logLevel) {
     m_screens.SetSignalLevel(0);
     CheckPower();
     if (!m_programs.Start()) m_platform.notices.ShowMessageBox("创建线程失败", "");
+    m_calls.Start();
     CreateNamedEvents();
     ModemHandlers handlers = Handlers();
     handlers.sendResult = m_sendSmSus;
@@ -142,6 +145,7 @@ void CVarkelDlg::HideOrQuit() {
     const char* const name = moduleOpen ? "3Gwindow_HIDE" : "3Gwindow_QUIT";
     PostToMainWindow(m_platform, m_platform.windows.RegisterWindowMessage(name), 0, 0);
     if (moduleOpen) {
+        m_state.m_bWindowHidden = true;
         m_screens.PlaceWindow(WindowPlace::Hidden);
         m_signal.Stop();
     } else {
@@ -168,7 +172,7 @@ void CVarkelDlg::OnAtResult(AtResult result) {
         case AtResult::NoDialtone: m_screens.Warn(WarnCode::NoSignal); break;
         case AtResult::SimNotReady: m_screens.Warn(WarnCode::NoSim); break;
         case AtResult::Connect: m_platform.log.Trace("[BTNEV]CONNECT"); break;
-        case AtResult::ServiceCodeFailed: m_platform.log.Trace("[BTNEV]the service code failed"); break;
+        case AtResult::ServiceCodeFailed: m_calls.OnServiceCodeFailed(); break;
     }
 }
 
@@ -186,7 +190,7 @@ ModemHandlers CVarkelDlg::Handlers() {
     to.OnClosePipe = [](void* o) { Self(o).m_module.OnLinkLost(); };
     to.ServesClient = [](void* o) { return Self(o).m_state.m_externalClient.load(); };
 
-    to.OnRing = [](void* o, std::string_view) { Self(o).m_calls.OnRing(); };
+    to.OnRing = [](void* o, std::string_view text) { Self(o).m_calls.OnRing(text); };
     to.OnRingNo = [](void* o, std::string_view text) { Self(o).m_calls.OnRingNo(text); };
     to.OnCallEstablished = [](void* o) { Self(o).m_calls.OnCallEstablished(); };
     to.OnCallHooked = [](void* o) { Self(o).m_calls.OnCallHooked(); };

@@ -6,6 +6,7 @@
 
 #include "modem/serial_link.h"
 #include "modem/shared_block.h"
+#include "session/call_control.h"
 #include "session/message_handling.h"
 #include "session/module_control.h"
 #include "session/not_there_yet.h"
@@ -41,6 +42,7 @@ class CVarkelDlg {
     // Leaves the screen: hides the window while the module is on, else ends the program. Dialog thread.
     void HideOrQuit();
 
+    CallControl& Calls() { return m_calls; }
     MessageHandling& Messages() { return m_messages; }
     Speech& GetSpeech() { return m_speech; }
     PhoneBook& Phones() { return m_phones; }
@@ -79,10 +81,11 @@ class CVarkelDlg {
 
     NoDataConnection m_data;
     PhoneBook m_phones;
-    NoCallControl m_calls;
     Worker m_linkWorker;
     SimCard m_sim;
     SignalWatch m_signal;
+    CallLists m_callLists;
+    CallControl m_calls;
     MessageHandling m_messages;
     OneShotWatch m_oneShots;
     ProgramWatch m_programs;

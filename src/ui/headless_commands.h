@@ -6,6 +6,7 @@
 
 #include "platform/terminal.h"
 #include "session/varkel_dlg.h"
+#include "ui/headless_calls.h"
 #include "ui/headless_messages.h"
 #include "ui/headless_phone_book.h"
 
@@ -18,7 +19,8 @@ class HeadlessCommands {
         : m_dialog(dialog),
           m_terminal(terminal),
           m_messages(dialog, page, terminal),
-          m_phones(dialog, terminal) {}
+          m_phones(dialog, terminal),
+          m_calls(dialog, page, terminal) {}
 
     void Run(std::string_view line);
 
@@ -33,6 +35,7 @@ class HeadlessCommands {
     Terminal& m_terminal;
     HeadlessMessages m_messages;
     HeadlessPhoneBook m_phones;
+    HeadlessCalls m_calls;
 };
 
 }  // namespace varkel

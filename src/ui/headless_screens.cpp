@@ -78,6 +78,19 @@ void HeadlessScreens::Warn(WarnCode code) {
     PrintNotice("[warning] " + WarnText(code, m_language));
 }
 
+void HeadlessScreens::ShowIncomingCall(bool show) {
+    if (m_rings.exchange(show) != show && show)
+        m_terminal.PrintLine("[call] ringing: \"answer\" or \"reject\"");
+}
+
+void HeadlessScreens::SetCallerText(std::string_view text) {
+    if (!text.empty()) m_terminal.PrintLine("[call] " + std::string(text));
+}
+
+void HeadlessScreens::ShowUssd(std::string_view text) {
+    m_terminal.PrintLine("[network] " + std::string(text));
+}
+
 void HeadlessScreens::ShowSendTip(SendTip tip) {
     switch (tip) {
         case SendTip::Hidden: break;

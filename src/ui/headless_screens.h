@@ -37,6 +37,11 @@ class HeadlessScreens final : public Screens, public Notices {
     bool IsWindowEnabled() const override { return true; }
     void PlaceWindow(WindowPlace place) override;
     void Warn(WarnCode code) override;
+    void ShowIncomingCall(bool show) override;
+    void SetCallerText(std::string_view text) override;
+    void ShowUssd(std::string_view text) override;
+    bool HideUssd() override { return false; }
+    void HideWriteMessage() override {}
     void ShowSendTip(SendTip tip) override;
     void ShowNewMessages() override;
     std::optional<CodeEntry> AskCodes(const CodeRequest& request) override;
@@ -79,6 +84,7 @@ class HeadlessScreens final : public Screens, public Notices {
     Guarded<Prompts> m_prompts;
     std::atomic<bool> m_inputEnded = false;
     std::atomic<int> m_signalLevel = -1;
+    std::atomic<bool> m_rings = false;
     std::atomic<ScreenMode> m_mode = ScreenMode::Closed;
 
     struct LastNotice {

@@ -121,10 +121,12 @@ TEST(OneShotWatchTest, EndsWhatHasNoFinalResult) {
     Session session{bench.platform, state, settings, at, bench.screens};
     bench.log.Open("log", 1 << 20, LogLevel::Debug);
     NoDataConnection data(bench.log);
-    NoCallControl calls(bench.log);
     Worker worker(bench.runtime, "link");
     CommandTurn turn(bench.runtime, at);
     SignalWatch signal(session, turn, data, worker);
+    PhoneBook book(session, turn);
+    CallLists lists(bench.files, bench.log);
+    CallControl calls(session, turn, signal, book, lists);
     MessageHandling messages(session, turn, calls, signal);
     OneShotWatch watch(session, calls, messages, signal);
 
@@ -141,7 +143,7 @@ TEST(OneShotWatchTest, EndsWhatHasNoFinalResult) {
     bench.RunFor(51'000);
     EXPECT_FALSE(at.OneShotPending());
     const std::string log = bench.files.Content("log.ini");
-    EXPECT_THAT(log, HasSubstr("[OnCallHooked]"));
+    EXPECT_THAT(log, HasSubstr("[BTNEV]OnCallHooked"));
     EXPECT_EQ(bench.screens.Count("tip 3"), 1);
 
     at.ussdPending.Set(bench.runtime.GetTickCount());

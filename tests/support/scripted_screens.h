@@ -25,6 +25,11 @@ class ScriptedScreens final : public Screens {
     void Repaint() override {}
     void EnableWindow(bool enable) override { Note(enable ? "enabled" : "disabled"); }
     bool IsWindowEnabled() const override { return true; }
+    void ShowIncomingCall(bool show) override { Note(show ? "incoming call" : "no incoming call"); }
+    void SetCallerText(std::string_view text) override { Note("caller " + std::string(text)); }
+    void ShowUssd(std::string_view text) override { Note("ussd " + std::string(text)); }
+    bool HideUssd() override { return false; }
+    void HideWriteMessage() override {}
     void ShowSendTip(SendTip tip) override { Note("tip " + std::to_string(static_cast<int>(tip))); }
     void ShowNewMessages() override { Note("new messages"); }
     void PlaceWindow(WindowPlace place) override { Note("place " + std::to_string(static_cast<int>(place))); }

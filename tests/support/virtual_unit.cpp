@@ -110,4 +110,10 @@ int VirtualUnit::SuspendLocks() {
     return m_unit.Head().keySuspendLocks + m_unit.Head().autoSuspendLocks;
 }
 
+bool VirtualUnit::AudioAtRest() {
+    std::lock_guard lock(m_mutex);
+    const sim::HeadUnit& head = m_unit.Head();
+    return head.audioTo3G == 0 && head.handsFree == 0 && head.speaker == 0;
+}
+
 }  // namespace varkel::test

@@ -31,6 +31,8 @@ class VirtualUnit final : public KovexDrvApi {
     // RestartMachine was called so often.
     int Restarts();
     int SuspendLocks();
+    // Sound goes to and comes from the unit itself.
+    bool AudioAtRest();
 
   private:
     bool Call(DrvFunction function, int& value) override;

@@ -1,0 +1,189 @@
+// What the user does with calls.
+#include "platform/text.h"
+#include "session/call_control.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr int enoughPower = 20;
+constexpr Ticks redialDebounce = 1000;
+constexpr Ticks slice = 20;
+
+}  // namespace
+
+bool CallControl::EnoughPower() {
+    int value = 0;
+    // A driver that cannot tell is no reason not to call.
+    if (!m_session.platform.driver.GetCurrentPowerValue(value) || value >= enoughPower) return true;
+    m_session.screens.Warn(WarnCode::LowPower);
+    return false;
+}
+
+bool CallControl::MayDial(std::string_view number, DialString& dialled) {
+    Screens& screens = m_session.screens;
+    if (!EnoughPower()) return false;
+    if (Trimmed(number).empty()) {
+        screens.Warn(WarnCode::NoNumber);
+        return false;
+    }
+    const ValueFault fault = DialString::Parse(Trimmed(number), dialled);
+    if (fault != ValueFault::None) {
+        screens.Warn(fault == ValueFault::TooLong ? WarnCode::NumberLong : WarnCode::NumberInvalid);
+        return false;
+    }
+    if (m_session.state.MainScreenMode == ScreenMode::Closed) {
+        screens.Warn(WarnCode::NetClosed);
+        return false;
+    }
+    return true;
+}
+
+// Takes the line for an outgoing call; `how` is the flag that it is known by.
+bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
+    const bool free = m_call.With([how](Call& call) {
+        if (call.Any()) return false;
+        call.*how = true;
+        return true;
+    });
+    if (!free) {
+        m_session.screens.Warn(WarnCode::Busy);
+        return false;
+    }
+    StopPoll();
+    std::string text = m_session.platform.language.LoadString("IDS_CALLING");
+    const std::string name = m_book.NameOf(number);
+    const std::size_t place = text.find("%s");
+    text = place == std::string::npos ? text + " " + name : text.replace(place, 2, name);
+    m_session.screens.SetStatusText(text);
+    m_session.screens.Repaint();
+    return true;
+}
+
+bool CallControl::Dial(std::string_view number) {
+    DialString dialled;
+    if (!MayDial(number, dialled) || !BeginDial(dialled.View(), &Call::m_bOutgoingCall)) return false;
+    if (m_worker.Post([this, dialled] { SendDial(dialled, true); })) return true;
+    OnCallHooked();
+    return false;
+}
+
+bool CallControl::Redial(std::string_view number) {
+    DialString dialled;
+    if (!MayDial(number, dialled) || !BeginDial(dialled.View(), &Call::m_bRedialCall)) return false;
+    if (m_worker.Post([this, dialled] { SendDial(dialled, false); })) return true;
+    OnCallHooked();
+    return false;
+}
+
+void CallControl::OnRedial() {
+    const Ticks now = m_session.platform.runtime.GetTickCount();
+    const bool tooSoon = m_dwLastRedial.With([&](Ticks& last) {
+        if (m_redialled.exchange(true) && TicksSince(now, last) < redialDebounce) return true;
+        last = now;
+        return false;
+    });
+    if (tooSoon) return;
+    const std::string number = Utf8FromNarrow(m_session.platform.codePage, m_lists.dialled.NewestNumber());
+    m_ShowNumStr.Set(number);
+    if (!number.empty()) Redial(number);
+}
+
+// Worker. A call that was given up meanwhile is not dialled any more.
+void CallControl::SendDial(const DialString& number, bool withRecord) {
+    while (m_session.at.OneShotPending() && ModuleReady(m_session) && m_worker.Pause(slice)) {
+    }
+    const auto wanted = [this] { return m_call.With([](const Call& call) { return call.Outgoing(); }); };
+    if (!wanted() || !ModuleReady(m_session)) {
+        OnCallHooked();
+        return;
+    }
+    m_turn.OneShot([&] {
+        if (!IsServiceCode(number.View()))
+            m_session.at.dialPending.Set(m_session.platform.runtime.GetTickCount());
+        m_session.at.cmd_dial(number);
+    });
+    if (withRecord) Record(m_lists.dialled, number.View(), m_book.NameOf(number.View()));
+}
+
+// Sends what ends with a final result that is this request's alone: earlier ones are forgotten first.
+template <class SetOneShot, class Send>
+void CallControl::Request(SetOneShot setOneShot, Send send) {
+    m_worker.Post([this, setOneShot, send] {
+        if (!ModuleReady(m_session)) return;
+        m_turn.OneShot([&] {
+            m_session.at.ClearCallRequests();
+            setOneShot().Set(m_session.platform.runtime.GetTickCount());
+            send();
+        });
+    });
+}
+
+void CallControl::Answer() {
+    const bool rings = m_call.With([](const Call& call) { return call.m_bRinging && !call.established; });
+    if (!rings) return;
+    m_session.platform.loop.KillTimer(static_cast<TimerId>(SessionTimer::RingLost));
+    Request([this]() -> OneShot& { return m_session.at.dialPending; },
+            [this] { m_session.at.cmd_answer_call(); });
+}
+
+void CallControl::Reject() {
+    if (!Busy()) return;
+    Request([this]() -> OneShot& { return m_session.at.hangUpPending; },
+            [this] { m_session.at.cmd_hangup(); });
+}
+
+void CallControl::HangUp() {
+    if (!Busy()) return;
+    m_bUserHangUp = true;
+    Reject();
+}
+
+void CallControl::SendTone(std::string_view text) {
+    DtmfKey key;
+    if (DtmfKey::Parse(text, key) != ValueFault::None) {
+        m_session.screens.Warn(WarnCode::NumberInvalid);
+        return;
+    }
+    if (m_session.state.MainScreenMode == ScreenMode::InCall) m_session.at.cmd_send_dtmf(key);
+}
+
+void CallControl::ToggleSpeaker() {
+    m_worker.Post([this] {
+        if (m_session.state.MainScreenMode != ScreenMode::InCall) return;
+        int on = 0;
+        if (m_session.platform.driver.GetGprsHpSpkStatus(on))
+            m_session.platform.driver.SetGprsHpSpkStatus(on == 0 ? 1 : 0);
+    });
+}
+
+// "+CUSD: 1,"text",15": the answer to a service code, which is no call.
+void CallControl::OnUssd(std::string_view text) {
+    m_session.platform.log.Trace("[BTNEV]OnUssd");
+    EndServiceCode();
+    const std::size_t first = text.find('"');
+    const std::size_t last = text.rfind('"');
+    if (first == std::string_view::npos || last <= first) return;
+    m_session.screens.ShowUssd(text.substr(first + 1, last - first - 1));
+}
+
+void CallControl::OnServiceCodeFailed() {
+    EndServiceCode();
+    m_session.screens.Warn(WarnCode::NetOpenFailed);
+}
+
+void CallControl::EndServiceCode() {
+    if (!m_session.at.DialWasServiceCode()) return;
+    const bool ended = m_call.With([](Call& call) {
+        if (!call.Outgoing() || call.established) return false;
+        call.m_bOutgoingCall = call.m_bRedialCall = false;
+        return true;
+    });
+    if (!ended) return;
+    m_session.at.dialPending.Take();
+    m_session.screens.SetStatusText("");
+    m_session.screens.Repaint();
+    RestartPoll();
+}
+
+}  // namespace varkel
