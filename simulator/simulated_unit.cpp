@@ -149,21 +149,16 @@ void SimulatedUnit::Set(DrvFunction function, int value, Millis now) {
 }
 
 void SimulatedUnit::Act(DrvFunction function, Millis now) {
-    const auto release = [this](int& locks, std::string_view name) {
-        if (locks == 0) {
-            Say(std::string(name) + " released more often than held");
-        } else {
-            --locks;
-        }
-    };
+    // Programs release them at the end of every call, whether or not it was established.
+    const auto release = [](int& locks) { locks = std::max(locks - 1, 0); };
     switch (function) {
         case DrvFunction::RequireDisableKeySuspend: ++m_head.keySuspendLocks; break;
         case DrvFunction::RequireDisableAutoSuspend: ++m_head.autoSuspendLocks; break;
         case DrvFunction::ReleaseDisableKeySuspend:
-            release(m_head.keySuspendLocks, "key suspend lock");
+            release(m_head.keySuspendLocks);
             break;
         case DrvFunction::ReleaseDisableAutoSuspend:
-            release(m_head.autoSuspendLocks, "auto suspend lock");
+            release(m_head.autoSuspendLocks);
             break;
         case DrvFunction::RestartMachine:
             Say("unit restarts");

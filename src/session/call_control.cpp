@@ -123,7 +123,10 @@ void CallControl::OnRingNo(std::string_view text) {
 
 void CallControl::ShowCaller(const Call& call) {
     const std::string rings = m_session.platform.language.LoadString("IDS_RING");
-    m_session.screens.SetCallerText(call.m_strCallName + (call.m_strCallName.empty() ? "" : " ") + rings);
+    const std::string name = call.m_strCallName.empty()
+                                 ? m_session.platform.language.LoadString("IDS_HIDDEN_NUMBER")
+                                 : call.m_strCallName;
+    m_session.screens.SetCallerText(name + " " + rings);
 }
 
 void CallControl::OnCallEstablished() {

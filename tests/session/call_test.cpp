@@ -226,7 +226,7 @@ TEST_F(Calls, TakeTheNumberFromReportsOfEveryShape) {
     };
     const Row rows[] = {
         {"+CLIP: \"13800138000\",129", "caller 13800138000 IDS_RING"},
-        {"+CLIP: \"\",128", "caller IDS_RING"},
+        {"+CLIP: \"\",128", "caller IDS_HIDDEN_NUMBER IDS_RING"},
         {"+CLIP: \"123", "caller 123 IDS_RING"},
         {"+CLIP: \"12 34\",129", "caller 12 IDS_RING"},
     };

@@ -1,6 +1,8 @@
 // Screens without a picture: what is shown is written down, and a script types the codes.
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -25,7 +27,10 @@ class ScriptedScreens final : public Screens {
     void Repaint() override {}
     void EnableWindow(bool enable) override { Note(enable ? "enabled" : "disabled"); }
     bool IsWindowEnabled() const override { return true; }
-    void ShowIncomingCall(bool show) override { Note(show ? "incoming call" : "no incoming call"); }
+    void ShowIncomingCall(bool show) override {
+        if (show) m_incomingCall = std::chrono::steady_clock::now();
+        Note(show ? "incoming call" : "no incoming call");
+    }
     void SetCallerText(std::string_view text) override { Note("caller " + std::string(text)); }
     void ShowUssd(std::string_view text) override { Note("ussd " + std::string(text)); }
     bool HideUssd() override { return false; }
@@ -81,6 +86,9 @@ class ScriptedScreens final : public Screens {
         return static_cast<int>(std::count(m_shown.begin(), m_shown.end(), text));
     }
 
+    // When the screen was last ordered, by the clock of the system.
+    std::chrono::steady_clock::time_point LastIncomingCall() const { return m_incomingCall; }
+
     static constexpr Ticks typingTakes = 3000;
 
   private:
@@ -99,6 +107,7 @@ class ScriptedScreens final : public Screens {
 
     std::shared_ptr<Event> m_typed;
     std::shared_ptr<Event> m_cancel;
+    std::atomic<std::chrono::steady_clock::time_point> m_incomingCall;
     std::mutex m_mutex;
     std::deque<std::optional<CodeEntry>> m_entries;
     std::vector<std::string> m_shown;
