@@ -37,6 +37,8 @@ const HeadlessCommands::Command HeadlessCommands::commands[] = {
      [](Self& self, std::string_view entry) { self.m_phones.Add(PhoneBookKind::Local, entry); }},
     {"add-sim", "NAME NUMBER", "a new entry on the SIM",
      [](Self& self, std::string_view entry) { self.m_phones.Add(PhoneBookKind::Sim, entry); }},
+    {"change", "N NAME NUMBER", "change entry N of the entries shown last",
+     [](Self& self, std::string_view entry) { self.m_phones.Change(entry); }},
     {"remove", "N", "delete entry N of the entries shown last",
      [](Self& self, std::string_view number) { self.m_phones.Remove(number); }},
     {"find", "NUMBER", "whose number it is",

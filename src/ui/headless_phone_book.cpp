@@ -45,26 +45,43 @@ void HeadlessPhoneBook::List(std::string_view part) {
     }
 }
 
-void HeadlessPhoneBook::Add(PhoneBookKind book, std::string_view nameAndNumber) {
+bool HeadlessPhoneBook::Parse(std::string_view nameAndNumber, std::string& name, std::string& number) {
     const std::size_t blank = nameAndNumber.rfind(' ');
     if (blank == std::string_view::npos) {
         m_terminal.PrintLine("[error] a name and a number are wanted");
-        return;
+        return false;
     }
-    const std::string name(Unquoted(Trimmed(nameAndNumber.substr(0, blank))));
-    const std::string number(nameAndNumber.substr(blank + 1));
-    m_dialog.Phones().Add(book, {name, {number}},
-                          [this](PhoneBookResult result) { Report(result, "added"); });
+    name = Unquoted(Trimmed(nameAndNumber.substr(0, blank)));
+    number = nameAndNumber.substr(blank + 1);
+    return true;
+}
+
+const PhoneEntry* HeadlessPhoneBook::EntryOf(std::string_view row) {
+    int number = 0;
+    if (ParseInt(row, number) && number >= 1 && static_cast<std::size_t>(number) <= m_list.size())
+        return &m_list[static_cast<std::size_t>(number) - 1];
+    m_terminal.PrintLine("[error] the list has no entry \"" + std::string(CutUtf8(row, 20)) + "\"");
+    return nullptr;
+}
+
+void HeadlessPhoneBook::Add(PhoneBookKind book, std::string_view nameAndNumber) {
+    PhoneText text;
+    if (!Parse(nameAndNumber, text.name, text.numbers[0])) return;
+    m_dialog.Phones().Add(book, text, [this](PhoneBookResult result) { Report(result, "added"); });
+}
+
+void HeadlessPhoneBook::Change(std::string_view rowNameAndNumber) {
+    const std::string_view row = rowNameAndNumber.substr(0, rowNameAndNumber.find(' '));
+    const PhoneEntry* const entry = EntryOf(row);
+    if (!entry) return;
+    PhoneText text = entry->text;
+    if (!Parse(Trimmed(rowNameAndNumber.substr(row.size())), text.name, text.numbers[0])) return;
+    m_dialog.Phones().Change(*entry, text, [this](PhoneBookResult result) { Report(result, "changed"); });
 }
 
 void HeadlessPhoneBook::Remove(std::string_view row) {
-    int number = 0;
-    if (!ParseInt(row, number) || number < 1 || static_cast<std::size_t>(number) > m_list.size()) {
-        m_terminal.PrintLine("[error] the list has no entry \"" + std::string(CutUtf8(row, 20)) + "\"");
-        return;
-    }
-    m_dialog.Phones().Delete(m_list[static_cast<std::size_t>(number) - 1],
-                             [this](PhoneBookResult result) { Report(result, "removed"); });
+    if (const PhoneEntry* const entry = EntryOf(row))
+        m_dialog.Phones().Delete(*entry, [this](PhoneBookResult result) { Report(result, "removed"); });
 }
 
 void HeadlessPhoneBook::Find(std::string_view number) {
