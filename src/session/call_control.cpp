@@ -54,7 +54,7 @@ void CallControl::Broadcast(const char* name, std::uint32_t wParam, std::uint32_
 }
 
 void CallControl::RestartPoll() {
-    if (m_session.state.MainScreenMode != ScreenMode::Closed) m_signal.Start();
+    if (ModuleReady(m_session)) m_signal.Start();
 }
 
 void CallControl::OnRing(std::string_view text) {
@@ -151,7 +151,7 @@ void CallControl::OnCallEstablished() {
 
 void CallControl::Established(const Call& call) {
     SessionState& state = m_session.state;
-    if (state.MainScreenMode == ScreenMode::Closed) return;
+    if (!ModuleReady(m_session)) return;
     nCallStatus = Guard::Establishing;
     if (state.m_bAudioDelay.exchange(false)) m_worker.Pause(speechEnds);
     KovexDrvApi& driver = m_session.platform.driver;

@@ -212,7 +212,7 @@ void MessageSending::OnSendTip() {
 }
 
 void MessageSending::RestartPoll() {
-    if (m_session.state.MainScreenMode != ScreenMode::Closed) m_signal.Start();
+    if (ModuleReady(m_session)) m_signal.Start();
 }
 
 }  // namespace varkel

@@ -180,9 +180,11 @@ TEST_F(Calls, AreNotDialledWithoutPowerNumberOrModule) {
     EXPECT_EQ(bench.screens.Count("warn 26"), 2);
     EXPECT_THAT(bench.Lists().dialled.FindCallRecord(), IsEmpty());
     ASSERT_TRUE(bench.Calls().Dial("10000")) << "20 is enough";
+    bench.RunFor(1000);
     bench.dialog->CloseModule();
     bench.RunFor(5000);
     EXPECT_FALSE(bench.Calls().Dial("10000"));
+    EXPECT_FALSE(bench.dialog->State().m_bSignalPolling) << "nor is anything polled";
 }
 
 TEST_F(Calls, GiveBackAudioAndLocksWhateverEndsThem) {
