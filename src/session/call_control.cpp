@@ -66,8 +66,11 @@ void CallControl::OnRing(std::string_view text) {
         bool acts = false;
         bool callerKnown = false;
     };
-    const Ring ring = m_call.With([](Call& call) {
+    // What was to be dialled and is not sent yet gives way.
+    const bool dialled = m_session.at.OneShotPending();
+    const Ring ring = m_call.With([dialled](Call& call) {
         if (call.established) return Ring{};
+        if (!dialled) call.m_bOutgoingCall = call.m_bRedialCall = false;
         call.m_bRinging = true;
         return Ring{.acts = true, .callerKnown = !call.m_bClipArmed};
     });

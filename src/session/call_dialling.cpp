@@ -94,7 +94,8 @@ void CallControl::SendDial(const DialString& number, bool withRecord) {
     while (m_session.at.OneShotPending() && ModuleReady(m_session) && m_worker.Pause(slice)) {
     }
     const auto wanted = [this] { return m_call.With([](const Call& call) { return call.Outgoing(); }); };
-    if (!wanted() || !ModuleReady(m_session)) {
+    if (!wanted()) return;
+    if (!ModuleReady(m_session)) {
         OnCallHooked();
         return;
     }

@@ -188,8 +188,11 @@ TEST_F(SqliteRegistryTest, SetsADamagedFileAsideAndBeginsAnew) {
         {"a table of another shape",
          [](const std::string& file) {
              std::filesystem::remove(file);
-             const std::string command = "sqlite3 " + file + " 'CREATE TABLE registry(a, b)'";
-             EXPECT_EQ(std::system(command.c_str()), 0);
+             sqlite3* other = nullptr;
+             EXPECT_EQ(sqlite3_open(file.c_str(), &other), SQLITE_OK);
+             EXPECT_EQ(sqlite3_exec(other, "CREATE TABLE registry(a, b)", nullptr, nullptr, nullptr),
+                       SQLITE_OK);
+             sqlite3_close(other);
          }},
     };
     for (const Damage& damage : damages) {
