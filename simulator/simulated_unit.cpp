@@ -154,12 +154,8 @@ void SimulatedUnit::Act(DrvFunction function, Millis now) {
     switch (function) {
         case DrvFunction::RequireDisableKeySuspend: ++m_head.keySuspendLocks; break;
         case DrvFunction::RequireDisableAutoSuspend: ++m_head.autoSuspendLocks; break;
-        case DrvFunction::ReleaseDisableKeySuspend:
-            release(m_head.keySuspendLocks);
-            break;
-        case DrvFunction::ReleaseDisableAutoSuspend:
-            release(m_head.autoSuspendLocks);
-            break;
+        case DrvFunction::ReleaseDisableKeySuspend: release(m_head.keySuspendLocks); break;
+        case DrvFunction::ReleaseDisableAutoSuspend: release(m_head.autoSuspendLocks); break;
         case DrvFunction::RestartMachine:
             Say("unit restarts");
             SetModulePower(false, now);

@@ -27,9 +27,9 @@ struct SameBytes {
     }
 };
 
-// Where `seen`, which stood at `position` when it was seen, stands now; null when it is gone. Deletions and the
-// trim have only moved records towards the front since, so it is looked for from there to the front, and then
-// behind. Of several that look alike the first one found is taken: nobody can tell them apart.
+// Where `seen`, which stood at `position` when it was seen, stands now; null when it is gone. Deletions and
+// the trim have only moved records towards the front since, so it is looked for from there to the front, and
+// then behind. Of several that look alike the first one found is taken: nobody can tell them apart.
 template <class Record, class Same = SameBytes>
 Record* FindSeen(std::vector<Record>& list, const Record& seen, std::size_t position, Same same = {}) {
     const auto looksAlike = [&](const Record& record) { return same(record, seen); };
