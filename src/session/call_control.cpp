@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "platform/text.h"
+#include "session/main_window.h"
 
 namespace varkel {
 
@@ -48,11 +48,6 @@ void CallControl::Start() {
     [[maybe_unused]] const bool saved = m_values.Save();
 }
 
-void CallControl::Broadcast(const char* name, std::uint32_t wParam, std::uint32_t lParam) {
-    WindowMessages& windows = m_session.platform.windows;
-    windows.PostMessage(WindowHandle::Broadcast, {windows.RegisterWindowMessage(name), wParam, lParam});
-}
-
 void CallControl::RestartPoll() {
     if (ModuleReady(m_session)) m_signal.Start();
 }
@@ -85,11 +80,11 @@ void CallControl::OnRing(std::string_view text) {
         });
     }
     screens.HideWriteMessage();
-    Broadcast("UM_CALLIN", 0, 0);
+    Broadcast(m_session.platform, "UM_CALLIN", 0, 0);
     screens.ShowIncomingCall(true);
     if (!ring.callerKnown) m_session.at.cmd_set_clip();
     m_session.platform.sound.PlaySound(ringSound, SoundMode::Once);
-    StopPoll();
+    m_signal.Stop();
     WatchRing();
 }
 
@@ -113,7 +108,7 @@ void CallControl::OnRingNo(std::string_view text) {
     number = number.substr(0, number.find_first_of(" \t\""));
     const bool taken = m_call.With([](Call& call) { return std::exchange(call.m_bClipArmed, false); });
     if (!taken) return;
-    Broadcast("_WAV_CALL_STATUS", 0, 1);
+    Broadcast(m_session.platform, "_WAV_CALL_STATUS", 0, 1);
     WatchRing();
     const std::string name = number.empty() ? std::string() : m_book.NameOf(number);
     const Call call = m_call.With([&](Call& current) {
@@ -231,7 +226,7 @@ void CallControl::Ended(const Call& call) {
     screens.Repaint();
     if (state.m_bWindowHidden) screens.PlaceWindow(WindowPlace::Hidden);
     Publish(call);
-    Broadcast("UM_CALLHOOKED", 0, 0);
+    Broadcast(m_session.platform, "UM_CALLHOOKED", 0, 0);
     driver.ReleaseDisableKeySuspend();
     driver.ReleaseDisableAutoSuspend();
     m_bUserHangUp = false;

@@ -89,13 +89,12 @@ class CallControl {
 
     bool MayDial(std::string_view number, DialString& dialled);
     bool BeginDial(std::string_view number, bool Call::*how);
+    bool Place(std::string_view number, bool Call::*how);
     bool EnoughPower();
     void WatchRing();
     void WatchLink();
     void ShowCaller(const Call& call);
     void EndServiceCode();
-    void Broadcast(const char* name, std::uint32_t wParam, std::uint32_t lParam);
-    void StopPoll() { m_signal.Stop(); }
     void RestartPoll();
 
     Session& m_session;

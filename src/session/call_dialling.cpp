@@ -50,7 +50,7 @@ bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
         m_session.screens.Warn(WarnCode::Busy);
         return false;
     }
-    StopPoll();
+    m_signal.Stop();
     std::string text = m_session.platform.language.LoadString("IDS_CALLING");
     const std::string name = m_book.NameOf(number);
     const std::size_t place = text.find("%s");
@@ -60,20 +60,22 @@ bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
     return true;
 }
 
-bool CallControl::Dial(std::string_view number) {
+// Only what is dialled anew is recorded.
+bool CallControl::Place(std::string_view number, bool Call::*how) {
     DialString dialled;
-    if (!MayDial(number, dialled) || !BeginDial(dialled.View(), &Call::m_bOutgoingCall)) return false;
-    if (m_worker.Post([this, dialled] { SendDial(dialled, true); })) return true;
+    if (!MayDial(number, dialled) || !BeginDial(dialled.View(), how)) return false;
+    const bool withRecord = how == &Call::m_bOutgoingCall;
+    if (m_worker.Post([this, dialled, withRecord] { SendDial(dialled, withRecord); })) return true;
     OnCallHooked();
     return false;
 }
 
+bool CallControl::Dial(std::string_view number) {
+    return Place(number, &Call::m_bOutgoingCall);
+}
+
 bool CallControl::Redial(std::string_view number) {
-    DialString dialled;
-    if (!MayDial(number, dialled) || !BeginDial(dialled.View(), &Call::m_bRedialCall)) return false;
-    if (m_worker.Post([this, dialled] { SendDial(dialled, false); })) return true;
-    OnCallHooked();
-    return false;
+    return Place(number, &Call::m_bRedialCall);
 }
 
 void CallControl::OnRedial() {

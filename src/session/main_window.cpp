@@ -8,4 +8,9 @@ bool PostToMainWindow(Platform& platform, MessageId message, std::uint32_t wPara
     return platform.windows.PostMessage(static_cast<WindowHandle>(window), {message, wParam, lParam});
 }
 
+void Broadcast(Platform& platform, std::string_view name, std::uint32_t wParam, std::uint32_t lParam) {
+    WindowMessages& windows = platform.windows;
+    windows.PostMessage(WindowHandle::Broadcast, {windows.RegisterWindowMessage(name), wParam, lParam});
+}
+
 }  // namespace varkel

@@ -5,6 +5,7 @@
 
 #include "modem/sms_pdu.h"
 #include "platform/text.h"
+#include "session/main_window.h"
 
 namespace varkel {
 
@@ -202,11 +203,6 @@ void MessageReceiving::Schedule(Ticks pause) {
     m_pause = pause;
 }
 
-void MessageReceiving::Broadcast(const char* name) {
-    WindowMessages& windows = m_session.platform.windows;
-    windows.PostMessage(WindowHandle::Broadcast, {windows.RegisterWindowMessage(name), 1, 1});
-}
-
 bool MessageReceiving::AnnounceNext() {
     // A call that began meanwhile comes first.
     if (m_calls.Busy()) return false;
@@ -214,7 +210,7 @@ bool MessageReceiving::AnnounceNext() {
         if (m_toAnnounce == 0) return false;
         --m_toAnnounce;
         if (m_session.state.m_externalClient && m_received) m_received->Set();
-        Broadcast("UM_CALLIN");
+        Broadcast(m_session.platform, "UM_CALLIN", 1, 1);
         Schedule(beforeSound);
         m_step = Step::Called;
         return true;
@@ -231,7 +227,7 @@ bool MessageReceiving::AnnounceNext() {
 }
 
 void MessageReceiving::FinishAnnouncement() {
-    Broadcast("UM_CALLHOOKED");
+    Broadcast(m_session.platform, "UM_CALLHOOKED", 1, 1);
     m_step = Step::Idle;
     if (m_session.screens.IsWindowEnabled() && m_session.state.m_nNewMessages >= 1)
         m_session.screens.ShowNewMessages();

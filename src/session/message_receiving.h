@@ -61,7 +61,6 @@ class MessageReceiving {
     Reading Keep(SimSlot slot, std::string_view answer);
     template <class Send>
     bool Quietly(Send send, Ticks pause);
-    void Broadcast(const char* name);
     bool Due() const;
     void Schedule(Ticks pause);
     void FinishAnnouncement();

@@ -42,7 +42,6 @@ class MessageSending {
 
     // "+CSCA:". Read thread.
     void OnMsCenterNo(std::string_view text);
-    std::string CenterNumberText() const { return std::string(m_center.Get().View()); }
 
     // The prompt. Read thread.
     void OnSendMsSuc();

@@ -202,10 +202,7 @@ ModemHandlers CVarkelDlg::Handlers() {
     to.OnMsCenterNo = [](void* o, std::string_view text) { Self(o).m_messages.OnMsCenterNo(text); };
     to.OnSendState = [](void* o, SendState state) { Self(o).m_messages.OnSendState(state); };
     to.OnSendTip = [](void* o) { Self(o).m_messages.OnSendTip(); };
-    to.OnSendMsSuc = [](void* o) {
-        Self(o).m_messages.OnSendMsSuc();
-        Self(o).m_oneShots.Watch();
-    };
+    to.OnSendMsSuc = [](void* o) { Self(o).m_messages.OnSendMsSuc(); };
 
     to.OnPhoneBookNum = [](void* o, std::string_view text) { Self(o).m_phones.Sim().OnPhoneBookNum(text); };
     to.OnPhoneBookTest = [](void* o, std::string_view text) { Self(o).m_phones.Sim().OnPhoneBookTest(text); };
