@@ -35,8 +35,8 @@ struct FullBooks : SessionBench {
 
     ScratchDirectory scratch;
     LinuxUnitFiles disk{scratch.Path(), scratch.Path()};
-    Platform onDisk{runtime,   loop,  serial, registry, objects,  windows,  unit, disk,
-                    processes, sound, speech, notices,  language, codePage, log};
+    Platform onDisk{runtime, loop,      serial, registry, objects, windows,  unit,     dialUp, icmp,
+                    disk,    processes, sound,  speech,   notices, language, codePage, log};
     SessionState state;
     Settings settings{registry};
     CATChannel at{runtime, unit, windows, log};

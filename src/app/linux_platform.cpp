@@ -59,8 +59,9 @@ LinuxPlatform::LinuxPlatform(LinuxRuntime& runtime, MessageLoop& loop, const Uni
       m_speech(runtime, m_language, *m_codePage, onProblem) {}
 
 Platform LinuxPlatform::Services(Notices& notices) {
-    return {m_runtime,   m_loop,  m_serial, *m_registry, m_objects,  m_windows,   *m_driver, m_files,
-            m_processes, m_sound, m_speech, notices,     m_language, *m_codePage, m_log};
+    return {m_runtime, m_loop,   m_serial,   *m_registry, m_objects,   m_windows,
+            *m_driver, m_dialUp, m_icmp,     m_files,     m_processes, m_sound,
+            m_speech,  notices,  m_language, *m_codePage, m_log};
 }
 
 }  // namespace varkel

@@ -8,9 +8,11 @@
 #include "platform/linux/bus.h"
 #include "platform/linux/bus_window_messages.h"
 #include "platform/linux/espeak_speech.h"
+#include "platform/linux/icmp_socket.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/linux_runtime.h"
 #include "platform/linux/linux_unit_files.h"
+#include "platform/linux/pppd_dial_up.h"
 #include "platform/linux/problem_sink.h"
 #include "platform/linux/sdl_sound.h"
 #include "platform/linux/shm_named_objects.h"
@@ -47,6 +49,8 @@ class LinuxPlatform {
     Bus m_bus;
     BusWindowMessages m_windows;
     std::unique_ptr<KovexDrvApi> m_driver;
+    PppdDialUp m_dialUp;
+    IcmpSocket m_icmp;
     TtySerialPort m_serial;
     LinuxProcesses m_processes;
     SdlSound m_sound;

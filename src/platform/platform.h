@@ -2,6 +2,8 @@
 #pragma once
 
 #include "platform/code_page.h"
+#include "platform/dial_up.h"
+#include "platform/icmp_echo.h"
 #include "platform/kovex_drv_api.h"
 #include "platform/language.h"
 #include "platform/log.h"
@@ -28,6 +30,8 @@ struct Platform {
     NamedObjects& objects;
     WindowMessages& windows;
     KovexDrvApi& driver;
+    DialUp& dialUp;
+    IcmpEcho& icmp;
     UnitFiles& files;
     Processes& processes;
     Sound& sound;

@@ -5,12 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "platform/canvas.h"
 #include "platform/registry.h"
 
 namespace varkel {
-
-// A colour as red + green x 256 + blue x 65536.
-using ColorRef = std::uint32_t;
 
 struct SkinColors {
     ColorRef buttonFont = 0;

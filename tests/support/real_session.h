@@ -19,6 +19,7 @@
 #include "tests/support/recorded_sound.h"
 #include "tests/support/recorded_speech.h"
 #include "tests/support/scratch.h"
+#include "tests/support/scripted_data_link.h"
 #include "tests/support/scripted_screens.h"
 
 namespace varkel::test {
@@ -76,8 +77,10 @@ struct RealSession {
     Language language{files, "english"};
     ScriptedScreens screens{runtime};
     const CodePage& codePage = CodePageNamed("GB18030");
-    Platform platform{runtime,   loop,  serial, *registry, objects,  windows,  unit, files,
-                      processes, sound, speech, notices,   language, codePage, log};
+    ScriptedDialUp dialUp{loop};
+    ScriptedIcmp icmp{runtime};
+    Platform platform{runtime, loop,      serial, *registry, objects, windows,  unit,     dialUp, icmp,
+                      files,   processes, sound,  speech,    notices, language, codePage, log};
     std::unique_ptr<CVarkelDlg> dialog;
 };
 

@@ -14,6 +14,7 @@
 #include "tests/support/recorded_notices.h"
 #include "tests/support/recorded_sound.h"
 #include "tests/support/recorded_speech.h"
+#include "tests/support/scripted_data_link.h"
 #include "tests/support/scripted_screens.h"
 #include "tests/support/virtual_runtime.h"
 #include "tests/support/virtual_serial.h"
@@ -80,11 +81,13 @@ struct SessionBench {
     RecordedNotices notices;
     VirtualSerial serial{runtime};
     VirtualUnit unit;
+    ScriptedDialUp dialUp{loop};
+    ScriptedIcmp icmp{runtime};
     Language language{files, "english"};
     ScriptedScreens screens{runtime};
     const CodePage& codePage = CodePageNamed("GB18030");
-    Platform platform{runtime,   loop,  serial, registry, objects,  windows,  unit, files,
-                      processes, sound, speech, notices,  language, codePage, log};
+    Platform platform{runtime, loop,      serial, registry, objects, windows,  unit,     dialUp, icmp,
+                      files,   processes, sound,  speech,   notices, language, codePage, log};
     std::unique_ptr<CVarkelDlg> dialog;
 };
 

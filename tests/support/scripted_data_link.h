@@ -1,0 +1,84 @@
+// A dial-up service and a network that do what the test says.
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/dial_up.h"
+#include "platform/icmp_echo.h"
+#include "platform/message_loop.h"
+
+namespace varkel::test {
+
+// Reports no state by itself: the test calls Report.
+class ScriptedDialUp final : public DialUp {
+  public:
+    explicit ScriptedDialUp(MessageLoop& loop) : m_loop(loop) {}
+
+    RasError RasDial(const RasDialParams& params, std::function<void(RasState)> notifier,
+                     RasHandle& handle) override {
+        const std::lock_guard lock(m_mutex);
+        dialled.push_back(params);
+        handle = RasHandle::None;
+        if (refusal != RasError::None) return refusal;
+        handle = m_current = static_cast<RasHandle>(++m_last);
+        m_notifier = std::move(notifier);
+        return RasError::None;
+    }
+
+    void RasHangUp(RasHandle handle) override {
+        const std::lock_guard lock(m_mutex);
+        ++hangUps;
+        if (handle == m_current) m_current = RasHandle::None;
+    }
+
+    void Report(RasState state) {
+        std::function<void(RasState)> notifier;
+        {
+            const std::lock_guard lock(m_mutex);
+            notifier = m_notifier;
+        }
+        if (notifier) m_loop.Post([notifier, state] { notifier(state); });
+    }
+
+    RasHandle Current() {
+        const std::lock_guard lock(m_mutex);
+        return m_current;
+    }
+
+    RasError refusal = RasError::None;
+    std::vector<RasDialParams> dialled;
+    int hangUps = 0;
+
+  private:
+    MessageLoop& m_loop;
+    std::mutex m_mutex;
+    std::uint32_t m_last = 0;
+    RasHandle m_current = RasHandle::None;
+    std::function<void(RasState)> m_notifier;
+};
+
+// Hosts in `silent` let every request time out; all others answer after 20 ms.
+class ScriptedIcmp final : public IcmpEcho {
+  public:
+    explicit ScriptedIcmp(Runtime& runtime) : m_runtime(runtime) {}
+
+    bool IcmpSendEcho(std::string_view address, std::span<const std::byte>, Ticks timeout) override {
+        asked.emplace_back(address);
+        const bool answers = !allSilent && !silent.contains(std::string(address));
+        m_runtime.Sleep(answers ? 20 : timeout);
+        return answers;
+    }
+
+    std::set<std::string> silent;
+    bool allSilent = false;
+    std::vector<std::string> asked;
+
+  private:
+    Runtime& m_runtime;
+};
+
+}  // namespace varkel::test
