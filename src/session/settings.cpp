@@ -1,6 +1,8 @@
 #include "session/settings.h"
 
 #include <array>
+#include <cstring>
+#include <span>
 #include <utility>
 
 #include "platform/text.h"
@@ -83,6 +85,23 @@ PhoneBookKind Settings::ReadCardSaveTo() {
 
 bool Settings::WriteCardSaveTo(PhoneBookKind book) {
     return WriteDword(phoneBookKey, "CardSaveTo", static_cast<std::uint32_t>(book));
+}
+
+std::optional<ISP_Struct> Settings::ReadIsp() {
+    const auto key = OpenKey(m_registry, ispKey);
+    const auto value = key ? key->RegQueryValueEx("ISP_Struct") : std::nullopt;
+    if (!value || value->type != RegistryType::Binary || value->bytes.size() != sizeof(ISP_Struct))
+        return std::nullopt;
+    ISP_Struct isp;
+    std::memcpy(&isp, value->bytes.data(), sizeof isp);
+    return isp;
+}
+
+bool Settings::WriteIsp(const ISP_Struct& isp) {
+    const auto bytes = std::as_bytes(std::span(&isp, 1));
+    const auto key = OpenKey(m_registry, ispKey);
+    return key && key->RegSetValueEx("ISP_Struct", {RegistryType::Binary, {bytes.begin(), bytes.end()}}) &&
+           m_registry.RegFlushKey();
 }
 
 ColorRef Settings::ReadColor(std::string_view prefix) {

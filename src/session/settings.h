@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/canvas.h"
 #include "platform/registry.h"
+#include "stores/isp_record.h"
 
 namespace varkel {
 
@@ -60,6 +62,11 @@ class Settings {
     PhoneBookKind ReadCardSaveTo();
     bool WriteCardSaveTo(PhoneBookKind book);
 
+    // "GPRS\ISP" / "ISP_Struct": the operator in use, byte for byte; nothing when there is none of that size.
+    // On the disk when the write returns true.
+    std::optional<ISP_Struct> ReadIsp();
+    bool WriteIsp(const ISP_Struct& isp);
+
     // "CharacterAttr".
     SkinColors LoadColors();
 
@@ -76,6 +83,7 @@ class Settings {
 
   private:
     static constexpr std::string_view openFlagKey = "GPRS\\OPENFLAG";
+    static constexpr std::string_view ispKey = "GPRS\\ISP";
     static constexpr std::string_view phoneBookKey = "GPRS\\PhoneBookSet";
 
     std::uint32_t ReadFlag(std::string_view name);

@@ -15,7 +15,7 @@ std::string_view PathOf(CallKind kind) {
 
 }  // namespace
 
-CallList::CallList(UnitFiles& files, Log& log, CallKind kind) : m_file(files, log, PathOf(kind)) {}
+CallList::CallList(UnitFiles& files, Log& log, CallKind kind) : m_file(files, log, {.path = PathOf(kind)}) {}
 
 std::string CallList::NewestNumber() {
     const List list = FindCallRecord();

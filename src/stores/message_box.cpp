@@ -18,7 +18,7 @@ std::string_view PathOf(SmsBox box) {
 }  // namespace
 
 MessageBox::MessageBox(UnitFiles& files, Log& log, SmsBox box)
-    : m_box(box), m_file(files, log, PathOf(box), SmsBoxCapacity) {}
+    : m_box(box), m_file(files, log, {.path = PathOf(box), .capacity = SmsBoxCapacity}) {}
 
 std::size_t MessageBox::UnreadCount() {
     const List list = FindSmsRecord();

@@ -15,7 +15,7 @@ bool HasNumber(const PhoneBookRecord& record, std::string_view number) {
 }  // namespace
 
 PhoneBookFile::PhoneBookFile(UnitFiles& files, Log& log)
-    : m_log(log), m_file(files, log, "NandFlash\\System\\Phone\\phonebook.msm") {}
+    : m_log(log), m_file(files, log, {.path = "NandFlash\\System\\Phone\\phonebook.msm"}) {}
 
 PhoneBookFile::List PhoneBookFile::Load() {
     const Opened opened(m_log);
@@ -38,22 +38,12 @@ StoreResult PhoneBookFile::Add(const PhoneBookRecord& record) {
 StoreResult PhoneBookFile::Change(const PhoneBookRecord& seen, std::size_t index,
                                   const PhoneBookRecord& changed) {
     const Opened opened(m_log);
-    return m_file.Update(SpaceGuard::On, [&](List& list) {
-        PhoneBookRecord* const record = FindSeen(list, seen, index);
-        if (!record) return StoreResult::NotFound;
-        *record = changed;
-        return StoreResult::Done;
-    });
+    return m_file.Change(seen, index, changed);
 }
 
 StoreResult PhoneBookFile::Delete(const PhoneBookRecord& seen, std::size_t index) {
     const Opened opened(m_log);
-    return m_file.Update(SpaceGuard::Off, [&](List& list) {
-        PhoneBookRecord* const record = FindSeen(list, seen, index);
-        if (!record) return StoreResult::NotFound;
-        list.erase(list.begin() + (record - list.data()));
-        return StoreResult::Done;
-    });
+    return m_file.Delete(seen, index);
 }
 
 }  // namespace varkel

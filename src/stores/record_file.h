@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -48,10 +47,9 @@ class RecordFile {
 
   public:
     using List = std::vector<Record>;
-    static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-    RecordFile(UnitFiles& files, Log& log, std::string_view path, std::size_t capacity = unlimited)
-        : m_file(files, log, path, sizeof(Record), capacity) {}
+    RecordFile(UnitFiles& files, Log& log, const StorePlace& place)
+        : m_file(files, log, place, sizeof(Record)) {}
 
     List Load() { return ListFrom(m_file.Load()); }
 
@@ -86,6 +84,24 @@ class RecordFile {
     [[nodiscard]] StoreResult Append(const Record& record, SpaceGuard guard) {
         return Update(guard, [&](List& list) {
             list.push_back(record);
+            return StoreResult::Done;
+        });
+    }
+
+    // For a screen in the order of the file: `seen` stood at `index`.
+    [[nodiscard]] StoreResult Change(const Record& seen, std::size_t index, const Record& changed) {
+        return Update(SpaceGuard::On, [&](List& list) {
+            Record* const record = FindSeen(list, seen, index);
+            if (!record) return StoreResult::NotFound;
+            *record = changed;
+            return StoreResult::Done;
+        });
+    }
+    [[nodiscard]] StoreResult Delete(const Record& seen, std::size_t index) {
+        return Update(SpaceGuard::Off, [&](List& list) {
+            Record* const record = FindSeen(list, seen, index);
+            if (!record) return StoreResult::NotFound;
+            list.erase(list.begin() + (record - list.data()));
             return StoreResult::Done;
         });
     }

@@ -4,14 +4,18 @@
 
 namespace varkel {
 
-StoreFile::StoreFile(UnitFiles& files, Log& log, std::string_view path, std::size_t recordBytes,
-                     std::size_t capacity)
-    : m_files(files), m_log(log), m_path(path), m_recordBytes(recordBytes), m_capacity(capacity) {}
+StoreFile::StoreFile(UnitFiles& files, Log& log, const StorePlace& place, std::size_t recordBytes)
+    : m_files(files),
+      m_log(log),
+      m_path(place.path),
+      m_factoryPath(place.factoryPath),
+      m_recordBytes(recordBytes),
+      m_capacity(place.capacity) {}
 
 std::string StoreFile::Load() {
     std::lock_guard lock(m_mutex);
     std::string bytes;
-    const FileRead read = m_files.Read(m_path, largestFile, bytes);
+    const FileRead read = Read(bytes);
     if (read == FileRead::Failed) LogFailure("cannot be read");
     if (read == FileRead::TooLarge) LogFailure("is too large");
     KeepWholeRecords(bytes);
@@ -34,14 +38,25 @@ StoreResult StoreFile::Update(SpaceGuard guard, const Change& change) {
 StoreResult StoreFile::UpdateLocked(SpaceGuard guard, const Change& change) {
     if (guard == SpaceGuard::On && !HasRoom()) return StoreResult::VolumeFull;
     std::string before;
-    const FileRead read = m_files.Read(m_path, largestFile, before);
+    const FileRead read = Read(before);
     if (read == FileRead::Failed) return StoreResult::Unreadable;
     if (read == FileRead::TooLarge && !SetAside()) return StoreResult::Unreadable;
     std::string records = before;
     KeepWholeRecords(records);
     if (const StoreResult changed = change(records); changed != StoreResult::Done) return changed;
     KeepNewest(records);
+    if (records.size() > largestFile) return StoreResult::VolumeFull;
     return records == before || Write(records) ? StoreResult::Done : StoreResult::WriteFailed;
+}
+
+FileRead StoreFile::Read(std::string& bytes) {
+    const FileRead read = m_files.Read(m_path, largestFile, bytes);
+    if (read != FileRead::Missing || m_factoryPath.empty()) return read;
+    if (m_files.Read(m_factoryPath, largestFile, bytes) == FileRead::Whole && Write(bytes))
+        return FileRead::Whole;
+    LogFailure("cannot be made from the unit's copy");
+    bytes.clear();
+    return FileRead::Missing;
 }
 
 bool StoreFile::HasRoom() const {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -15,7 +16,7 @@ namespace varkel {
 enum class StoreResult {
     Done,
     NotFound,     // the record that was meant is not in the file any more
-    VolumeFull,   // less than 1 MiB is free: the caller shows "IDS_NAND_FULL"
+    VolumeFull,   // less than 1 MiB is free, or no more records fit: the caller shows "IDS_NAND_FULL"
     Unreadable,   // the file may be there but cannot be read, so it is not written over
     WriteFailed,  // the user is not told, the log is
 };
@@ -24,16 +25,23 @@ enum class StoreResult {
 // must work on a full volume.
 enum class SpaceGuard { Off, On };
 
+struct StorePlace {
+    std::string_view path;
+    // The unit's own copy, never written: a missing file is made from it first. Empty: there is none.
+    std::string_view factoryPath{};
+    // A change removes the oldest records beyond this many.
+    std::size_t capacity = std::numeric_limits<std::size_t>::max();
+};
+
 // One object owns one file, and each change is one operation under its lock: load, change, write back. Any
 // thread may call; a call takes as long as the flash needs.
 //
 // A tail that is no whole record is left out, and is gone after the next change. A file of more than
 // `largestFile` bytes is none of ours: it loads as empty, and the first change sets it aside as "<path>.old".
+// No change makes a file that large.
 class StoreFile {
   public:
-    // A change removes the oldest records beyond `capacity`.
-    StoreFile(UnitFiles& files, Log& log, std::string_view path, std::size_t recordBytes,
-              std::size_t capacity);
+    StoreFile(UnitFiles& files, Log& log, const StorePlace& place, std::size_t recordBytes);
 
     // The whole records of the file; none when it is missing or cannot be read.
     std::string Load();
@@ -47,6 +55,7 @@ class StoreFile {
 
   private:
     StoreResult UpdateLocked(SpaceGuard guard, const Change& change);
+    FileRead Read(std::string& bytes);
     bool HasRoom() const;
     bool SetAside();
     bool Write(std::string_view bytes);
@@ -57,6 +66,7 @@ class StoreFile {
     UnitFiles& m_files;
     Log& m_log;
     const std::string m_path;
+    const std::string m_factoryPath;
     const std::size_t m_recordBytes;
     const std::size_t m_capacity;
     std::mutex m_mutex;

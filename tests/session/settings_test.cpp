@@ -1,5 +1,6 @@
 #include "session/settings.h"
 
+#include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -90,6 +91,30 @@ TEST_F(SettingsTest, WritesAnIdentityOneByteShort) {
     const auto key = registry.RegCreateKeyEx("software\\qxgprssim\\", created);
     EXPECT_FALSE(created);
     EXPECT_EQ(QueryText(*key, "imsi", 520), "460001234567890");
+}
+
+TEST_F(SettingsTest, KeepsTheOperatorAsTheBytesOfItsRecord) {
+    EXPECT_FALSE(settings.ReadIsp());
+    ISP_Struct isp = DefaultIsp();
+    isp.password.Assign("p");
+    ASSERT_TRUE(settings.WriteIsp(isp));
+    EXPECT_EQ(registry.Flushes(), 1);
+    auto value = registry.Value("GPRS\\ISP", "ISP_Struct");
+    ASSERT_TRUE(value);
+    EXPECT_EQ(value->type, RegistryType::Binary);
+    ASSERT_EQ(value->bytes.size(), 768u);
+    EXPECT_EQ(std::memcmp(value->bytes.data() + 384, "CMNET\0", 6), 0);
+    const auto read = settings.ReadIsp();
+    ASSERT_TRUE(read);
+    EXPECT_EQ(std::memcmp(&*read, &isp, sizeof isp), 0);
+
+    for (const std::size_t size : {0u, 767u, 769u}) {
+        value->bytes.resize(size);
+        registry.SetValue("GPRS\\ISP", "ISP_Struct", *value);
+        EXPECT_FALSE(settings.ReadIsp()) << size;
+    }
+    registry.refuseWrites = true;
+    EXPECT_FALSE(settings.WriteIsp(isp));
 }
 
 TEST_F(SettingsTest, ReadsANumberOfAnotherProgram) {

@@ -9,6 +9,7 @@
 #include "platform/linux/linux_runtime.h"
 #include "platform/linux/linux_unit_files.h"
 #include "stores/call_list.h"
+#include "stores/isp_list.h"
 #include "stores/message_box.h"
 #include "stores/phone_book_file.h"
 #include "tests/support/scratch.h"
@@ -41,6 +42,13 @@ inline PhoneBookRecord Phone(int number) {
     return record;
 }
 
+inline ISP_Struct Isp(int number) {
+    ISP_Struct isp;
+    isp.name.Assign("operator " + std::to_string(number));
+    isp.operatorCode.Assign(std::to_string(46000 + number));
+    return isp;
+}
+
 // Messages `first` to `last`.
 inline MessageBox::List Messages(int first, int last) {
     MessageBox::List list;
@@ -58,6 +66,7 @@ struct BoxesOnDisk {
     MessageBoxes boxes{files, log};
     CallLists calls{files, log};
     PhoneBookFile phones{files, log};
+    IspList isps{files, log};
 
     BoxesOnDisk() { std::filesystem::create_directories(directory); }
 

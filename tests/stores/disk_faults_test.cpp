@@ -103,9 +103,10 @@ TEST_F(DiskFaults, FromOneCallOnLeaveOldOrNewList) {
 }
 
 // The other stores' changes, which take the same way to the disk.
-TEST_F(DiskFaults, LeaveCallsAndPhonebookAsTheyWereOrAsMeant) {
+TEST_F(DiskFaults, LeaveTheOtherListsAsTheyWereOrAsMeant) {
     const std::vector<CallRecord> calls{Call(1), Call(2), Call(3)};
     const std::vector<PhoneBookRecord> phones{Phone(1), Phone(2), Phone(3)};
+    const std::vector<ISP_Struct> isps{Isp(1), Isp(2), Isp(3)};
     const struct {
         const char* file;
         std::function<StoreResult()> run;
@@ -121,15 +122,23 @@ TEST_F(DiskFaults, LeaveCallsAndPhonebookAsTheyWereOrAsMeant) {
          BytesOf(std::vector{Phone(1), Phone(5), Phone(3)})},
         {"phonebook.msm", [&] { return disk.phones.Delete(Phone(2), 1); },
          BytesOf(std::vector{Phone(1), Phone(3)})},
+        {"ISPDest.dat", [&] { return disk.isps.Add(Isp(4)); },
+         BytesOf(std::vector{Isp(4), Isp(1), Isp(2), Isp(3)})},
+        {"ISPDest.dat", [&] { return disk.isps.Change(Isp(2), 1, Isp(5)); },
+         BytesOf(std::vector{Isp(1), Isp(5), Isp(3)})},
+        {"ISPDest.dat", [&] { return disk.isps.Delete(Isp(2), 1); }, BytesOf(std::vector{Isp(1), Isp(3)})},
     };
     for (const auto& change : changes) {
-        for (int call = 1, calledBefore = call; call <= calledBefore && !HasFailure(); ++call) {
-            disk.Put({{"missedcall.msm", BytesOf(calls)}, {"phonebook.msm", BytesOf(phones)}});
+        int call = 1;
+        for (bool reached = true; reached && !HasFailure(); ++call) {
+            disk.Put({{"missedcall.msm", BytesOf(calls)},
+                      {"phonebook.msm", BytesOf(phones)},
+                      {"ISPDest.dat", BytesOf(isps)}});
             const std::string old = FileContent(disk.directory + "/" + change.file);
             DiskDouble faults(disk.directory);
             faults.Fail({call, call % 2 == 0, call % 3 == 0 ? 0 : EIO});
             const StoreResult result = change.run();
-            calledBefore = faults.Calls();
+            reached = faults.Calls() >= call;
             faults.Fail({});
             const std::string left = FileContent(disk.directory + "/" + change.file);
             if (result == StoreResult::Done) {
@@ -137,17 +146,38 @@ TEST_F(DiskFaults, LeaveCallsAndPhonebookAsTheyWereOrAsMeant) {
             }
             EXPECT_TRUE(left == old || left == change.after) << change.file << ", call " << call;
         }
+        EXPECT_GT(call, 20) << change.file;
     }
+}
+
+// A copy that fails leaves no list or a whole one, and the next look makes it.
+TEST_F(DiskFaults, OfTheCopyOfTheUnitsOperatorsLeaveNoneOrAll) {
+    const std::string factory = BytesOf(std::vector{Isp(1), Isp(2), Isp(3)});
+    std::filesystem::create_directories(disk.scratch / "assets/ResidentFlash2/bin/Gprs");
+    WriteFile(disk.scratch / "assets/ResidentFlash2/bin/Gprs/ISPDest.dat", factory);
+    int call = 1;
+    for (bool reached = true; reached && !HasFailure(); ++call) {
+        disk.Put({});
+        DiskDouble faults(disk.directory);
+        faults.Fail({call, call % 2 == 0, call % 3 == 0 ? 0 : EIO});
+        const auto list = disk.isps.Load();
+        reached = faults.Calls() >= call;
+        faults.Fail({});
+        EXPECT_TRUE(list.empty() || BytesOf(list) == factory) << "call " << call;
+        EXPECT_EQ(BytesOf(disk.isps.Load()), factory) << "call " << call;
+    }
+    EXPECT_GT(call, 20);
 }
 
 // Whatever fails while it is read, an existing box is never taken for a missing one and written over.
 TEST_F(DiskFaults, OnReadingGiveTheListOrNone) {
     disk.Put({{"InboxMs.msm", BytesOf(before)}});
-    for (int call = 1, calls = call; call <= calls; ++call) {
+    bool reached = true;
+    for (int call = 1; reached; ++call) {
         DiskDouble faults(disk.directory);
         faults.Fail({call, false, EIO});
         const MessageBox::List list = box.FindSmsRecord();
-        calls = faults.Calls();
+        reached = faults.Calls() >= call;
         EXPECT_TRUE(list.empty() || BytesOf(list) == BytesOf(before)) << "call " << call;
     }
 }

@@ -17,6 +17,7 @@ struct Update {
     std::string name;
     std::string expected;  // what the file holds when it was made
     StoreResult result;
+    bool addsInFront = false;
 };
 
 Update UpdateBox(MessageBoxes& boxes, std::mt19937_64& random, int number) {
@@ -70,23 +71,24 @@ Update UpdateCalls(CallList& calls, std::mt19937_64& random, int number) {
     return update;
 }
 
-Update UpdatePhones(PhoneBookFile& phones, std::mt19937_64& random, int number) {
-    PhoneBookFile::List list = phones.Load();
-    Update update{"phonebook.msm", "append", "", StoreResult::Done};
+// The phonebook and the operators, whose screens name a record by its place in the file.
+template <class Store, class Record>
+Update UpdateInOrder(Store& store, Update update, const Record& record, std::mt19937_64& random) {
+    auto list = store.Load();
     const std::size_t index = list.empty() ? 0 : random() % list.size();
     switch (list.empty() ? 0 : random() % 3) {
         case 0:
-            update.result = phones.Add(Phone(number));
-            list.push_back(Phone(number));
+            update.result = store.Add(record);
+            list.insert(update.addsInFront ? list.begin() : list.end(), record);
             break;
         case 1:
             // A change is held to the same room as an append.
-            update.result = phones.Change(list[index], index, Phone(number));
-            list[index] = Phone(number);
+            update.result = store.Change(list[index], index, record);
+            list[index] = record;
             break;
         default:
             update.name = "delete";
-            update.result = phones.Delete(list[index], index);
+            update.result = store.Delete(list[index], index);
             list.erase(list.begin() + static_cast<std::ptrdiff_t>(index));
             break;
     }
@@ -95,9 +97,14 @@ Update UpdatePhones(PhoneBookFile& phones, std::mt19937_64& random, int number) 
 }
 
 Update MakeUpdate(BoxesOnDisk& disk, std::mt19937_64& random, int number) {
-    switch (random() % 4) {
+    switch (random() % 5) {
         case 0: return UpdateCalls(disk.calls.dialled, random, number);
-        case 1: return UpdatePhones(disk.phones, random, number);
+        case 1:
+            return UpdateInOrder(disk.phones, {"phonebook.msm", "append", "", StoreResult::Done},
+                                 Phone(number), random);
+        case 2:
+            return UpdateInOrder(disk.isps, {"ISPDest.dat", "append", "", StoreResult::Done, true},
+                                 Isp(number), random);
         default: return UpdateBox(disk.boxes, random, number);
     }
 }
@@ -118,6 +125,8 @@ class Life {
         for (int number = static_cast<int>(m_random() % 200); number > 0; --number) {
             m_before["dialcall.msm"] += BytesOf(std::vector{Call(number)});
             m_before["phonebook.msm"] += BytesOf(std::vector{Phone(number)});
+            // As many as the reserve has room for.
+            if (number <= 80) m_before["ISPDest.dat"] += BytesOf(std::vector{Isp(number)});
         }
         m_before["receivecall.msm"] = std::string(300, 'r');
         if (m_random() % 4 != 0) m_before["reserve~"] = std::string(64 * 1024, '\0');
