@@ -1,10 +1,13 @@
 #include "platform/linux/sqlite_registry.h"
 
 #include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <random>
 #include <sqlite3.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -166,6 +169,102 @@ TEST_F(SqliteRegistryTest, AFlushPutsEverythingOnTheDisk) {
     }
     EXPECT_GT(lost, 20) << "the flush did it, not the write";
     EXPECT_TRUE(problems.empty()) << problems[0];
+}
+
+// Whatever sectors of what was not yet flushed are on the disk, at any moment and in the middle of a
+// checkpoint, the registry is sound and holds what it held at the last flush or at some moment since.
+TEST_F(SqliteRegistryTest, APowerCutLeavesAnEarlierOrALaterValue) {
+    std::filesystem::create_directory(scratch / "disk");
+    std::mt19937_64 random(1);
+    int flushed = -1;
+    int written = -1;
+    int cuts = 0;
+    int lost = 0;
+    const auto cutPower = [&] {
+        test::DurableFiles::CutPower(scratch / "after", random);
+        const auto left = Open(scratch / "after/registry.db");
+        ASSERT_TRUE(left);
+        const auto value = Get(*left, "k", "n");
+        const int number = value ? std::stoi(std::string(reinterpret_cast<const char*>(value->bytes.data()),
+                                                         value->bytes.size()))
+                                 : -1;
+        EXPECT_TRUE(number >= flushed && number <= written) << flushed << " " << number << " " << written;
+        ++cuts;
+        lost += number < written;
+    };
+    const test::DurableFiles durable(scratch / "unit", scratch / "disk", [&] {
+        if (written >= 0) cutPower();
+    });
+    auto registry = Open();
+    while (cuts < 60 && !HasFailure()) {
+        for (int j = 0; j < 60; ++j) {
+            ASSERT_TRUE(Set(*registry, "k", std::to_string(j), Bytes(std::string(3000, 'x'))));
+            ++written;
+            ASSERT_TRUE(Set(*registry, "k", "n", Bytes(std::to_string(written))));
+            if (random() % 100 == 0) cutPower();
+        }
+        ASSERT_TRUE(registry->RegFlushKey());
+        flushed = written;
+        cutPower();
+    }
+    EXPECT_GT(lost, 5) << "cuts that take nothing prove nothing";
+    EXPECT_TRUE(problems.empty()) << problems[0];
+}
+
+TEST_F(SqliteRegistryTest, AKilledProgramLeavesWhatItFlushed) {
+    for (int round = 0; round < 10; ++round) {
+        int reports[2];
+        ASSERT_EQ(pipe(reports), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            const auto own = SqliteRegistry::Open(path, nullptr);
+            for (int i = 0; own && Set(*own, "k", "n", Bytes(std::to_string(i))) && own->RegFlushKey(); ++i) {
+                if (write(reports[1], &i, sizeof i) != sizeof i) break;
+            }
+            _exit(1);
+        }
+        close(reports[1]);
+        int flushed = -1;
+        while (flushed < round * 7 && read(reports[0], &flushed, sizeof flushed) == sizeof flushed) {
+        }
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        for (int more = 0; read(reports[0], &more, sizeof more) == sizeof more;)
+            flushed = more;
+        close(reports[0]);
+        const auto registry = Open();
+        const auto value = Get(*registry, "k", "n");
+        ASSERT_TRUE(value && flushed >= round * 7);
+        EXPECT_TRUE(value == Bytes(std::to_string(flushed)) || value == Bytes(std::to_string(flushed + 1)));
+    }
+    EXPECT_TRUE(problems.empty()) << problems[0];
+}
+
+TEST_F(SqliteRegistryTest, AFailingDiskIsReportedAndKeepsTheOldValue) {
+    std::filesystem::create_directory(scratch / "disk");
+    const test::DurableFiles durable(scratch / "unit", scratch / "disk");
+    auto registry = Open();
+    ASSERT_TRUE(Set(*registry, "k", "n", Bytes("old")) && registry->RegFlushKey());
+    test::DurableFiles::FailSyncs(true);
+    EXPECT_FALSE(registry->RegFlushKey());
+    EXPECT_EQ(problems.size(), 1u);
+    test::DurableFiles::FailSyncs(false);
+    EXPECT_TRUE(registry->RegFlushKey());
+
+    // No file grows any more.
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit full{std::filesystem::file_size(path + "-wal"), limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+    const bool set = Set(*registry, "k", "n", Bytes(std::string(60'000, 'n')));
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, before);
+    EXPECT_FALSE(set);
+    EXPECT_EQ(problems.size(), 2u);
+    EXPECT_EQ(Get(*registry, "k", "n"), Bytes("old"));
+    EXPECT_TRUE(Set(*registry, "k", "n", Bytes("new")) && registry->RegFlushKey());
+    EXPECT_EQ(Get(*registry, "k", "n"), Bytes("new"));
 }
 
 TEST_F(SqliteRegistryTest, SetsADamagedFileAsideAndBeginsAnew) {
