@@ -122,7 +122,7 @@ void CallControl::OnRingNo(std::string_view text) {
 void CallControl::ShowCaller(const Call& call) {
     const std::string rings = m_session.platform.language.LoadString("IDS_RING");
     const std::string name = call.m_strCallName.empty()
-                                 ? m_session.platform.language.LoadString("IDS_HIDDEN_NUMBER")
+                                 ? m_session.platform.language.LoadString("IDS_UNKNOWN_CALLER")
                                  : call.m_strCallName;
     m_session.screens.SetCallerText(name + " " + rings);
 }

@@ -228,7 +228,7 @@ TEST_F(Calls, TakeTheNumberFromReportsOfEveryShape) {
     };
     const Row rows[] = {
         {"+CLIP: \"13800138000\",129", "caller 13800138000 IDS_RING"},
-        {"+CLIP: \"\",128", "caller IDS_HIDDEN_NUMBER IDS_RING"},
+        {"+CLIP: \"\",128", "caller IDS_UNKNOWN_CALLER IDS_RING"},
         {"+CLIP: \"123", "caller 123 IDS_RING"},
         {"+CLIP: \"12 34\",129", "caller 12 IDS_RING"},
     };
@@ -319,7 +319,7 @@ void LiveWithCalls(std::uint64_t seed) {
     // Each caller whose number was reported has left one record, and nobody else has; only one who rings in
     // the moment of dialling, or while the module is opened, may leave none.
     const int reported = bench.windows.CountPosted("_WAV_CALL_STATUS 0 1");
-    const int hidden = bench.screens.Count("caller IDS_HIDDEN_NUMBER IDS_RING");
+    const int hidden = bench.screens.Count("caller IDS_UNKNOWN_CALLER IDS_RING");
     const std::size_t records =
         bench.Lists().received.FindCallRecord().size() + bench.Lists().missed.FindCallRecord().size();
     EXPECT_LE(records, static_cast<std::size_t>(reported - hidden)) << where;
