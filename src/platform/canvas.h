@@ -20,7 +20,9 @@ constexpr ColorRef Rgb(unsigned red, unsigned green, unsigned blue) {
 // LOGFONT, as far as it is used.
 struct LogFont {
     std::string face;  // one that the system lacks is replaced
-    int height = 0;    // pixels; 0 = the default height
+    // Pixels: above 0 of a line of text, below 0 of its letters alone, without the room between lines; 0 =
+    // the default height.
+    int height = 0;
     int weight = 400;  // 400 regular, 700 bold
 
     bool operator==(const LogFont&) const = default;
@@ -76,7 +78,8 @@ class Canvas {
     virtual void TransparentImage(const Bitmap& picture, const Rect& to, ColorRef key) = 0;
 
     // UTF-8; bytes that are none are shown as U+FFFD. Right-to-left scripts are ordered here. Left and Right
-    // are the sides of the screen. Clipped to the rectangle.
+    // are the sides of the screen. Without SingleLine, line ends begin new lines and VCenter centres the
+    // block of lines, if it fits. Clipped to the rectangle.
     virtual void DrawText(std::string_view text, const Rect& rect, TextFormat format, const LogFont& font,
                           ColorRef color) = 0;
 };

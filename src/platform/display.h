@@ -12,6 +12,8 @@ namespace varkel {
 
 enum class TouchAction { Down, Move, Up };
 
+// Between a Down and its Up these are a finger's, or a pointer's with its button held; places may then lie
+// outside the screen. Moves without a Down are a pointer's that passes over the screen.
 struct TouchEvent {
     TouchAction action = TouchAction::Down;
     Point at;

@@ -103,6 +103,12 @@ std::string Utf8FromUtf16(std::u16string_view text) {
     return bytes;
 }
 
+std::size_t FirstCharacterBytes(std::string_view text) {
+    const std::size_t whole = text.size();
+    TakeUtf8(text);
+    return whole - text.size();
+}
+
 std::string_view CutUtf8(std::string_view text, std::size_t bytes) {
     if (text.size() <= bytes) return text;
     std::size_t end = bytes;

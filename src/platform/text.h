@@ -11,6 +11,9 @@ namespace varkel {
 std::u16string Utf16FromUtf8(std::string_view text);
 std::string Utf8FromUtf16(std::u16string_view text);
 
+// How many bytes the first character of a text has, which is not empty; an ill-formed byte is one by itself.
+std::size_t FirstCharacterBytes(std::string_view text);
+
 // The longest beginning of `text` that has at most `bytes` bytes and ends at a character.
 std::string_view CutUtf8(std::string_view text, std::size_t bytes);
 
