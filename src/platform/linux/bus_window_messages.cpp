@@ -323,6 +323,22 @@ WindowHandle BusWindowMessages::FindWindow(std::string_view title) {
     return WindowHandle{handle};
 }
 
+std::optional<std::string> BusWindowMessages::GetWindowText(WindowHandle window) {
+    if (const auto own = OwnWindow(window)) return m_table->Title(*own);
+    BusMethod get = MethodOf(window, "Get");
+    get.interface = "org.freedesktop.DBus.Properties";
+    std::string title;
+    const bool answered = m_bus.Call(
+        get, [](sd_bus_message* m) { return sd_bus_message_append(m, "ss", windowInterface, "Title"); },
+        [&](sd_bus_message* m) {
+            const char* text = "";
+            const int result = sd_bus_message_read(m, "v", "s", &text);
+            if (result >= 0) title = text;
+            return result;
+        });
+    return answered ? std::optional(title) : std::nullopt;
+}
+
 std::optional<std::uint32_t> BusWindowMessages::SendCopyData(WindowHandle window, std::uint32_t dwData,
                                                              std::span<const std::byte> data) {
     if (data.size() > largestCopyData || static_cast<std::uint32_t>(window) % 256 == 0) return std::nullopt;

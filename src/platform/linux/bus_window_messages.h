@@ -41,6 +41,8 @@ class BusWindowMessages final : public WindowMessages {
     bool PostMessage(WindowHandle window, const WindowMessage& message) override;
     // Windows of this program come first. Another program is asked for at most a second.
     WindowHandle FindWindow(std::string_view title) override;
+    // The title of any program's window; nothing when there is no such window. Waits for at most a second.
+    std::optional<std::string> GetWindowText(WindowHandle window);
     // Waits for at most a second.
     std::optional<std::uint32_t> SendCopyData(WindowHandle window, std::uint32_t dwData,
                                               std::span<const std::byte> data) override;

@@ -9,12 +9,10 @@
 
 namespace varkel {
 
-// Writes the values of a key file whose sections are registry keys:
+// Writes the values, in the notation of registry_text.h, of a key file whose sections are registry keys:
 //
 //     [GPRS\OPENFLAG]
-//     m_GprsAutoOpenFlag = dword:1        a number, decimal or 0x...
-//     Label              = sz:text        UTF-8, stored as UTF-16 with its closing NUL
-//     Blob               = hex:0a0b       bytes
+//     m_GprsAutoOpenFlag = dword:1
 //
 // Only values that are missing are written. Returns what was wrong, "line 3: ..." each; the rest counts.
 std::vector<std::string> LoadInitialRegistry(Registry& registry, std::string_view text);

@@ -33,16 +33,27 @@ struct KovexDrvExport::Service : std::enable_shared_from_this<KovexDrvExport::Se
 
 namespace {
 
-// The table of methods as sd-bus wants it; it refers to the names in drvTable, which are literals.
+// A method as sd-bus wants it; it refers to the name in drvTable, which is a literal.
+sd_bus_vtable Method(const DrvEntry& entry, sd_bus_message_handler_t handler) {
+    const char* const name = entry.name.data();
+    switch (entry.kind) {
+        case DrvKind::Get:
+            return SD_BUS_METHOD_WITH_ARGS(name, SD_BUS_NO_ARGS, SD_BUS_RESULT("i", value), handler,
+                                           SD_BUS_VTABLE_UNPRIVILEGED);
+        case DrvKind::Set:
+            return SD_BUS_METHOD_WITH_ARGS(name, SD_BUS_ARGS("i", value), SD_BUS_NO_RESULT, handler,
+                                           SD_BUS_VTABLE_UNPRIVILEGED);
+        case DrvKind::Action: break;
+    }
+    return SD_BUS_METHOD_WITH_ARGS(name, SD_BUS_NO_ARGS, SD_BUS_NO_RESULT, handler,
+                                   SD_BUS_VTABLE_UNPRIVILEGED);
+}
+
 std::vector<sd_bus_vtable> Methods(sd_bus_message_handler_t handler) {
     std::vector<sd_bus_vtable> methods;
     methods.push_back(SD_BUS_VTABLE_START(SD_BUS_VTABLE_UNPRIVILEGED));
-    for (const DrvEntry& entry : drvTable) {
-        const char* const arguments = entry.kind == DrvKind::Set ? "i" : "";
-        const char* const results = entry.kind == DrvKind::Get ? "i" : "";
-        methods.push_back(
-            SD_BUS_METHOD(entry.name.data(), arguments, results, handler, SD_BUS_VTABLE_UNPRIVILEGED));
-    }
+    for (const DrvEntry& entry : drvTable)
+        methods.push_back(Method(entry, handler));
     methods.push_back(SD_BUS_VTABLE_END);
     return methods;
 }
