@@ -1,0 +1,238 @@
+// varkelctl as a script runs it, against a program that is a double.
+#include <csignal>
+#include <memory>
+#include <unistd.h>
+
+#include "platform/linux/linux_unit_files.h"
+#include "platform/linux/sqlite_registry.h"
+#include "simulator/program/hosted_program.h"
+#include "tests/client/phone_double.h"
+#include "tests/platform/dialog_fixture.h"
+#include "tests/platform/private_bus.h"
+
+namespace varkel::test {
+namespace {
+
+using sim::HostedProgram;
+using Lines = std::vector<std::string>;
+
+struct Ended {
+    int code = -1;
+    std::string output;
+    std::string errors;
+};
+
+class ClientTest : public DialogFixture {
+  protected:
+    ClientTest() { WriteUnitFile(daemon.Address()); }
+    ~ClientTest() override { ShmNamedObjects::Remove(prefix); }
+
+    void WriteUnitFile(const std::string& bus) const {
+        WriteFile(scratch / "unit.conf", "[unit]\nregistry = registry.db\nobject_prefix = " + prefix +
+                                             "\nbus = " + bus + "\nsystem_code_page = CP1251\n");
+    }
+
+    std::unique_ptr<PhoneDouble> StartPhone(std::string_view title = "3Gwindow") {
+        return std::make_unique<PhoneDouble>(runtime, loop, log, daemon.Options(), prefix, title);
+    }
+
+    std::unique_ptr<HostedProgram> Start(Lines arguments) const {
+        arguments.insert(arguments.begin(), {VARKELCTL, "--unit-file", scratch / "unit.conf"});
+        std::string fault;
+        auto client = HostedProgram::Start(arguments, fault);
+        EXPECT_TRUE(client) << fault;
+        return client;
+    }
+
+    Ended End(HostedProgram& client) {
+        Ended ended;
+        std::optional<int> code;
+        EXPECT_TRUE(ServeUntil([&] { return code || (code = client.Collect()); }));
+        ended.code = code.value_or(-1);
+        while (client.Output() >= 0)
+            ended.output += client.ReadOutput();
+        while (client.Errors() >= 0)
+            ended.errors += client.ReadErrors();
+        return ended;
+    }
+
+    Ended Run(const Lines& arguments) { return End(*Start(arguments)); }
+
+    PrivateBus daemon;
+    ScratchDirectory scratch;
+    const std::string prefix = "varkel-client-" + std::to_string(getpid());
+    LinuxUnitFiles files{scratch / "flash", scratch / "assets"};
+    Log log{runtime, files};
+};
+
+TEST_F(ClientTest, AsksAndTells) {
+    const auto phone = StartPhone();
+    phone->imsi = "460001234567890";
+    phone->imei = "";
+    phone->status = ConnectionStatus::NotUp;
+    struct Case {
+        Lines arguments;
+        Lines received;
+        int code;
+        std::string output;
+    };
+    const Case cases[] = {
+        {{"show"}, {"3Gwindow_SHOW 0 0"}, 0, ""},
+        {{"hide"}, {"3Gwindow_HIDE 0 0"}, 0, ""},
+        {{"open"}, {"Network_interface 0 0"}, 0, ""},
+        {{"call", "sos"}, {"UM_QX_CALL 0 0"}, 0, ""},
+        {{"call", "help"}, {"UM_QX_CALL 1 0"}, 0, ""},
+        {{"imsi"}, {"1002 0 0"}, 0, "460001234567890\n"},
+        {{"--timeout", "0.1", "imei"}, {"1003 0 0"}, 4, ""},
+        {{"status"}, {"1005 0 0"}, 0, "down\n"},
+        {{"quit", "--timeout", "0.1"}, {"3Gwindow_QUIT 0 0"}, 4, ""},
+        {{"imsi", "now"}, {}, 2, ""},
+        {{"call"}, {}, 2, ""},
+        {{"status", "--timeout", "soon"}, {}, 2, ""},
+    };
+    for (const Case& entry : cases) {
+        phone->received.clear();
+        const Ended ended = Run(entry.arguments);
+        ServePosted();
+        EXPECT_EQ(phone->received, entry.received) << entry.arguments.front();
+        EXPECT_EQ(ended.code, entry.code) << entry.arguments.front() << ": " << ended.errors;
+        EXPECT_EQ(ended.output, entry.output);
+        EXPECT_EQ(ended.errors.empty(), entry.code == 0) << ended.errors;
+    }
+}
+
+TEST_F(ClientTest, TellsAProgramThatDoesNotRunFromOneThatDoesNotAnswer) {
+    EXPECT_EQ(Run({"imsi"}).code, 3) << "never started on this unit";
+    StartPhone().reset();
+    EXPECT_EQ(Run({"imsi"}).code, 3) << "it has ended; its handle still stands in the block";
+    {
+        const auto other = StartPhone("another window");
+        EXPECT_EQ(Run({"show"}).code, 3);
+        EXPECT_TRUE(other->received.empty());
+    }
+    auto phone = StartPhone();
+    const auto asking = Start({"imsi"});
+    ASSERT_TRUE(ServeUntil([&] { return !phone->received.empty(); }));
+    phone.reset();
+    const Ended ended = End(*asking);
+    EXPECT_EQ(ended.code, 3) << "it ends while it is asked";
+    EXPECT_EQ(ended.errors, "varkelctl: varkel ended before it answered\n");
+
+    phone = StartPhone();
+    phone->onQuit = [&] { loop.Post([&] { phone.reset(); }); };
+    EXPECT_EQ(Run({"quit"}).code, 0);
+    EXPECT_FALSE(phone);
+    WriteUnitFile("unix:path=/nonexistent");
+    EXPECT_EQ(Run({"status"}).code, 3) << "no bus";
+}
+
+TEST_F(ClientTest, SeveralAtOnceAllGetTheirAnswerAndADeadOneHoldsNobodyUp) {
+    const auto phone = StartPhone();
+    auto dying = Start({"imsi"});
+    ASSERT_TRUE(ServeUntil([&] { return !phone->received.empty(); }));
+    dying.reset();  // killed while it waits with its turn
+    phone->imsi = "460001234567890";
+    phone->status = ConnectionStatus::Up;
+    std::vector<std::unique_ptr<HostedProgram>> clients;
+    for (int i = 0; i < 6; ++i)
+        clients.push_back(Start({i % 2 == 0 ? "imsi" : "status"}));
+    for (int i = 0; i < 6; ++i) {
+        const Ended ended = End(*clients[static_cast<std::size_t>(i)]);
+        EXPECT_EQ(ended.output, i % 2 == 0 ? "460001234567890\n" : "up\n") << ended.errors;
+    }
+}
+
+TEST_F(ClientTest, WatchesUntilItIsInterruptedAndIsRemovedThen) {
+    auto phone = StartPhone();
+    const auto first = Start({"watch"});
+    const auto second = Start({"watch"});
+    ASSERT_TRUE(ServeUntil([&] { return phone->listeners.size() == 2; }));
+    phone->Notify(1, 0);
+    phone->Broadcast("UM_CALLIN", 0, 0);
+    phone->Notify(2, 12);
+    std::string seen;
+    ASSERT_TRUE(ServeUntil([&] {
+        pollfd output{first->Output(), POLLIN, 0};
+        if (Poll({&output, 1}, std::chrono::milliseconds(0))) seen += first->ReadOutput();
+        return seen.find("poor signal\n") != std::string::npos;
+    }));
+    EXPECT_EQ(seen, "link down 11, SIM not usable\nlink up\nUM_CALLIN 0 0\nlink down 12, poor signal\n");
+    first->Signal(SIGINT);
+    EXPECT_EQ(End(*first).code, 0);
+    EXPECT_TRUE(ServeUntil([&] { return phone->listeners.size() == 1; }));
+    phone.reset();
+    EXPECT_EQ(End(*second).code, 3) << "nothing is left to be watched";
+}
+
+TEST_F(ClientTest, SendsAMessageInTheLayoutOfTheBlock) {
+    const auto phone = StartPhone();
+    const Ended ended = Run({"send", "+86 (138) 0013-8000", "Привет"});
+    EXPECT_EQ(ended.code, 0) << ended.errors;
+    EXPECT_EQ(ended.output, "sent\n");
+    const std::u16string number = u"+8613800138000";
+    const std::u16string text = u"Привет";
+    std::string expected(64 + (text.size() + 1) * 2, '\0');
+    std::memcpy(expected.data() + 32, number.data(), number.size() * 2);
+    std::memcpy(expected.data() + 64, text.data(), text.size() * 2);
+    EXPECT_EQ(phone->copied, expected);
+
+    phone->sends = false;
+    EXPECT_EQ(Run({"--timeout", "0.1", "send", "10086", "again"}).code, 4)
+        << "an event that an earlier message has set is no result";
+    phone->received.clear();
+    const Lines refused[] = {
+        {"send", "", "no number"},
+        {"send", "1234567890123456", "too long a number"},
+        {"send", "10086\r\x1A", "a number that ends a line"},
+        {"send", "86+10086", "a plus inside"},
+        {"send", "10086", std::string(116, 'x')},
+        {"send", "10086", "日本 is not in the code page of this unit"},
+    };
+    for (const Lines& arguments : refused)
+        EXPECT_EQ(Run(arguments).code, 2) << arguments.back();
+    EXPECT_TRUE(phone->received.empty());
+}
+
+TEST_F(ClientTest, ReadsAndWritesTheRegistryAsText) {
+    struct Case {
+        Lines arguments;
+        int code;
+        std::string output;
+    };
+    const Case cases[] = {
+        {{"list"}, 1, ""},  // and makes no registry
+        {{"get", "GPRS", "Account"}, 1, ""},
+        {{"set", "GPRS\\NetworkMode\\", "Account", "dword:0x10"}, 0, ""},
+        {{"set", "GPRS\\NetworkMode", "Name", "sz:день"}, 0, ""},
+        {{"set", "GPRS\\ISP", "Blob", "hex:0a0B"}, 0, ""},
+        {{"set", "Software", "Lines", "sz:two\nlines\x1B[2J"}, 0, ""},
+        {{"get", "gprs\\networkmode\\", "account"}, 0, "16\n"},
+        {{"get", "GPRS\\NetworkMode", "Name"}, 0, "день\n"},
+        {{"get", "GPRS\\ISP", "Blob"}, 0, "0a0b\n"},
+        {{"get", "GPRS", "Account"}, 1, ""},  // a value of a key below is none of this key
+        {{"list", "GPRS"},
+         0,
+         "[GPRS\\ISP]\nBlob = hex:0a0b\n\n[GPRS\\NetworkMode]\nAccount = dword:16\nName = sz:день\n"},
+        {{"list", "Software"}, 0, "[Software]\nLines = sz:two?lines?[2J\n"},
+        {{"set", "GPRS", "x", "17"}, 2, ""},
+        {{"set", "GPRS", "x", "dword:4294967296"}, 2, ""},
+        {{"set", "", "x", "dword:1"}, 1, ""},
+    };
+    for (const Case& entry : cases) {
+        Lines arguments = entry.arguments;
+        arguments.insert(arguments.begin(), "reg");
+        const Ended ended = Run(arguments);
+        EXPECT_EQ(ended.code, entry.code) << arguments[1] << ": " << ended.errors;
+        EXPECT_EQ(ended.output, entry.output) << arguments[1];
+    }
+    // As the program writes it: the text's terminator is half there.
+    const auto registry = SqliteRegistry::Open(scratch / "registry.db", {});
+    bool created = false;
+    const std::vector<std::byte> odd{std::byte{'4'}, {}, std::byte{'6'}, {}, {}};
+    ASSERT_TRUE(registry->RegCreateKeyEx("Software\\QXGprsSim", created)
+                    ->RegSetValueEx("IMSI", {RegistryType::Sz, odd}));
+    EXPECT_EQ(Run({"reg", "get", "Software\\QXGprsSim", "IMSI"}).output, "46\n");
+}
+
+}  // namespace
+}  // namespace varkel::test
