@@ -240,46 +240,18 @@ TEST_F(BusWindowMessagesTest, RefusesWhatMakesNoSense) {
     EXPECT_EQ(windows, 255);
 }
 
-TEST_F(BusWindowMessagesTest, IsIntrospectable) {
+TEST_F(BusWindowMessagesTest, AnyProgramCanReadAWindowsTitle) {
     Program phone(daemon.Options(), loop);
     Program client(daemon.Options(), loop);
     const WindowHandle dialog = phone.Create("3Gwindow");
-    const auto introspect = [&](const char* path) {
-        const char* text = "";
-        std::string xml;
-        EXPECT_TRUE(client.bus.Call(
-            {phone.bus.UniqueName(), path, "org.freedesktop.DBus.Introspectable", "Introspect"},
-            [](sd_bus_message*) { return 0; },
-            [&](sd_bus_message* m) {
-                const int result = sd_bus_message_read(m, "s", &text);
-                xml = text;
-                return result;
-            }));
-        return xml;
-    };
-    EXPECT_NE(introspect("/org/varkel/window").find("<node name=\"1\"/>"), std::string::npos);
-    EXPECT_NE(introspect("/org/varkel/window").find("Broadcast"), std::string::npos);
-    for (const char* member : {"Post", "PostRegistered", "CopyData", "Title", "Handle"})
-        EXPECT_NE(introspect("/org/varkel/window/1").find("name=\"" + std::string(member) + "\""),
-                  std::string::npos);
-    std::string title;
-    std::uint32_t handle = 0;
-    const auto property = [&](const char* name, const std::function<int(sd_bus_message*)>& read) {
-        return client.bus.Call(
-            {phone.bus.UniqueName(), "/org/varkel/window/1", "org.freedesktop.DBus.Properties", "Get"},
-            [&](sd_bus_message* m) { return sd_bus_message_append(m, "ss", "org.varkel.Window1", name); },
-            read);
-    };
-    EXPECT_TRUE(property("Title", [&](sd_bus_message* m) {
-        const char* text = "";
-        const int result = sd_bus_message_read(m, "v", "s", &text);
-        title = text;
-        return result;
-    }));
-    EXPECT_TRUE(
-        property("Handle", [&](sd_bus_message* m) { return sd_bus_message_read(m, "v", "u", &handle); }));
-    EXPECT_EQ(title, "3Gwindow");
-    EXPECT_EQ(WindowHandle{handle}, dialog);
+    for (Program* const asking : {&phone, &client})
+        EXPECT_EQ(asking->windows.GetWindowText(dialog), "3Gwindow");
+    phone.windows.SetWindowText(dialog, "");
+    EXPECT_EQ(client.windows.GetWindowText(dialog), "");
+    phone.windows.DestroyWindow(dialog);
+    for (const WindowHandle none :
+         {dialog, WindowHandle::None, WindowHandle::Broadcast, WindowHandle{0x7F0001}})
+        EXPECT_EQ(client.windows.GetWindowText(none), std::nullopt);
 }
 
 TEST_F(BusWindowMessagesTest, WorksAloneWithoutABusAndAfterItIsLost) {

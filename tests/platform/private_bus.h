@@ -14,16 +14,23 @@ namespace varkel::test {
 
 class PrivateBus {
   public:
-    PrivateBus() {
+    // `policy` are the rules of a bus configuration; without them everybody may do everything.
+    explicit PrivateBus(std::string_view policy = {}) {
+        if (!policy.empty()) {
+            WriteFile(m_directory / "bus.conf",
+                      "<busconfig><type>system</type><auth>EXTERNAL</auth><listen>" + Address() +
+                          "</listen>" + std::string(policy) + "</busconfig>");
+        }
         int ends[2];
         if (pipe(ends) != 0) std::abort();
         const FileDescriptor ready(ends[0]);
         FileDescriptor output(ends[1]);
         // A test that crashes takes its bus along.
-        m_daemon.emplace(
-            *ChildProcess::Start({"setpriv", "--pdeathsig", "KILL", "dbus-daemon", "--session", "--nofork",
-                                  "--nosyslog", "--print-address", "--address=" + Address()},
-                                 {.output = output.Get()}));
+        m_daemon.emplace(*ChildProcess::Start(
+            {"setpriv", "--pdeathsig", "KILL", "dbus-daemon",
+             policy.empty() ? "--session" : "--config-file=" + (m_directory / "bus.conf"), "--nofork",
+             "--nosyslog", "--print-address", "--address=" + Address()},
+            {.output = output.Get()}));
         output.Reset();
         // It prints its address once it listens.
         char byte = 0;

@@ -1,0 +1,124 @@
+// The documented interfaces and the policy of data/dbus, next to what the programs do.
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <regex>
+#include <systemd/sd-bus.h>
+#include <unistd.h>
+
+#include "platform/linux/bus_kovex_drv.h"
+#include "platform/linux/bus_window_messages.h"
+#include "platform/linux/kovex_drv_export.h"
+#include "tests/platform/dialog_fixture.h"
+#include "tests/platform/private_bus.h"
+
+namespace varkel {
+namespace {
+
+const std::string directory = VARKEL_DATA_DIRECTORY "/dbus/";
+
+std::string Replaced(const std::string& text, const char* pattern, const char* by) {
+    return std::regex_replace(text, std::regex(pattern), by);
+}
+
+// One interface of an introspection, without what is said about it for people.
+std::string Bare(const std::string& xml, const std::string& interface) {
+    const std::size_t begin = xml.find("<interface name=\"" + interface + "\">");
+    if (begin == std::string::npos) return "no " + interface;
+    constexpr std::string_view end = "</interface>";
+    std::string text = xml.substr(begin, xml.find(end, begin) + end.size() - begin);
+    text = Replaced(text, "<annotation name=\"org.gtk.GDBus.DocString\"[^>]*>", "");
+    return Replaced(text, "\\s+<", "\n<");
+}
+
+std::string Introspect(Bus& bus, const std::string& destination, const char* path) {
+    std::string xml;
+    bus.Call(
+        {destination, path, "org.freedesktop.DBus.Introspectable", "Introspect"},
+        [](sd_bus_message*) { return 0; },
+        [&](sd_bus_message* m) {
+            const char* text = "";
+            const int result = sd_bus_message_read(m, "s", &text);
+            xml = text;
+            return result;
+        });
+    return xml;
+}
+
+using BusInterfacesTest = test::DialogFixture;
+
+TEST_F(BusInterfacesTest, AreWhatIsDocumented) {
+    const test::PrivateBus daemon;
+    Bus bus(daemon.Options(), {});
+    Bus client(daemon.Options(), {});
+    BusWindowMessages windows(bus, loop, {});
+    windows.CreateWindow("3Gwindow", {});
+    const KovexDrvExport driver(
+        bus, [](DrvFunction, int&) { return true; }, [](const std::function<void()>&) { return true; });
+    struct Case {
+        std::string interface;
+        const char* path;
+    };
+    const Case cases[] = {
+        {"org.varkel.Window1", "/org/varkel/window/1"},
+        {"org.varkel.Windows1", "/org/varkel/window"},
+        {kovexDrvInterface, kovexDrvPath},
+    };
+    for (const Case& entry : cases) {
+        EXPECT_EQ(Bare(test::FileContent(directory + entry.interface + ".xml"), entry.interface),
+                  Bare(Introspect(client, bus.UniqueName(), entry.path), entry.interface));
+    }
+}
+
+// The rules of a system bus, and then ours.
+std::string SystemBusPolicy(const std::string& group) {
+    const std::string conf = test::FileContent(directory + "org.varkel.conf");
+    const std::size_t begin = conf.find("<busconfig>") + std::string("<busconfig>").size();
+    const std::string ours = conf.substr(begin, conf.find("</busconfig>") - begin);
+    return R"(<policy context="default">
+        <allow user="*"/> <deny own="*"/> <deny send_type="method_call"/> <allow send_type="signal"/>
+        <allow send_requested_reply="true" send_type="method_return"/>
+        <allow send_requested_reply="true" send_type="error"/>
+        <allow receive_type="method_call"/> <allow receive_type="method_return"/>
+        <allow receive_type="error"/> <allow receive_type="signal"/>
+        <allow send_destination="org.freedesktop.DBus" send_interface="org.freedesktop.DBus"/>
+        </policy>)" +
+           Replaced(ours, "group=\"varkel\"", ("group=\"" + group + "\"").c_str());
+}
+
+TEST_F(BusInterfacesTest, OnASystemBusServeTheGroupAndNobodyElse) {
+    const group* const own = getgrgid(getegid());
+    ASSERT_TRUE(own);
+    for (const bool allowed : {true, false}) {
+        const test::PrivateBus daemon(SystemBusPolicy(allowed ? own->gr_name : "no-such-group"));
+        Bus phoneBus(daemon.Options(), {});
+        Bus clientBus(daemon.Options(), {});
+        ASSERT_TRUE(phoneBus.Available() && clientBus.Available());
+        BusWindowMessages phone(phoneBus, loop, {});
+        BusWindowMessages client(clientBus, loop, {});
+        int posted = 0;
+        const WindowHandle dialog =
+            phone.CreateWindow("3Gwindow", {[&](const WindowMessage&) { ++posted; }, {}});
+        const WindowHandle listener = client.CreateWindow("", {[&](const WindowMessage&) { ++posted; }, {}});
+        EXPECT_EQ(client.FindWindow("3Gwindow"), allowed ? dialog : WindowHandle::None);
+        EXPECT_EQ(client.GetWindowText(dialog),
+                  allowed ? std::optional<std::string>("3Gwindow") : std::nullopt);
+        const MessageId callIn = phone.RegisterWindowMessage("UM_CALLIN");
+        client.PostMessage(dialog, {WM_USER + 1000, 0, 0});
+        phone.PostMessage(listener, {WM_USER + 542, 1, 0});
+        client.PostMessage(WindowHandle::Broadcast, {client.RegisterWindowMessage("UM_CALLIN"), 1, 1});
+        phone.PostMessage(WindowHandle::Broadcast, {callIn, 0, 0});
+        // Both posts, and each broadcast in both programs; one's own broadcast needs no bus.
+        if (allowed) {
+            EXPECT_TRUE(ServeUntil([&] { return posted == 6; }));
+        }
+        // What was sent before these are answered has arrived, or never will.
+        for (BusWindowMessages* const windows : {&phone, &client, &phone})
+            EXPECT_EQ(windows->FindWindow("none"), WindowHandle::None);
+        ServePosted();
+        EXPECT_EQ(posted, allowed ? 6 : 2);
+    }
+}
+
+}  // namespace
+}  // namespace varkel
