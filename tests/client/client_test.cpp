@@ -1,6 +1,7 @@
 // varkelctl as a script runs it, against a program that is a double.
 #include <csignal>
 #include <memory>
+#include <sstream>
 #include <unistd.h>
 
 #include "platform/linux/linux_unit_files.h"
@@ -36,12 +37,19 @@ class ClientTest : public DialogFixture {
         return std::make_unique<PhoneDouble>(runtime, loop, log, daemon.Options(), prefix, title);
     }
 
-    std::unique_ptr<HostedProgram> Start(Lines arguments) const {
-        arguments.insert(arguments.begin(), {VARKELCTL, "--unit-file", scratch / "unit.conf"});
+    // Any program of the unit, on its bus.
+    std::unique_ptr<HostedProgram> StartProgram(Lines command) const {
+        command.insert(command.begin(), {"env", "DBUS_SESSION_BUS_ADDRESS=" + daemon.Address(),
+                                         "PATH=" VARKELCTL_DIRECTORY ":/usr/bin:/bin"});
         std::string fault;
-        auto client = HostedProgram::Start(arguments, fault);
-        EXPECT_TRUE(client) << fault;
-        return client;
+        auto program = HostedProgram::Start(command, fault);
+        EXPECT_TRUE(program) << fault;
+        return program;
+    }
+
+    std::unique_ptr<HostedProgram> Start(Lines arguments) const {
+        arguments.insert(arguments.begin(), {"varkelctl", "--unit-file", scratch / "unit.conf"});
+        return StartProgram(arguments);
     }
 
     Ended End(HostedProgram& client) {
@@ -232,6 +240,36 @@ TEST_F(ClientTest, ReadsAndWritesTheRegistryAsText) {
     ASSERT_TRUE(registry->RegCreateKeyEx("Software\\QXGprsSim", created)
                     ->RegSetValueEx("IMSI", {RegistryType::Sz, odd}));
     EXPECT_EQ(Run({"reg", "get", "Software\\QXGprsSim", "IMSI"}).output, "46\n");
+}
+
+TEST_F(ClientTest, IsNotTheOnlyWayIn) {
+    const auto phone = StartPhone();
+    phone->imsi = "460001234567890";
+    const Ended imsi = End(*StartProgram({VARKEL_EXAMPLES "/imsi.sh", "--unit-file", scratch / "unit.conf"}));
+    EXPECT_EQ(imsi.output, "460\n") << imsi.errors;
+
+    const auto listener = StartProgram({VARKEL_BUILT_EXAMPLES "/link_listener", "2"});
+    ASSERT_TRUE(ServeUntil([&] { return phone->listeners.size() == 1; }));
+    phone->Notify(1, 0);
+    const Ended heard = End(*listener);
+    EXPECT_EQ(heard.output, "no data, reason 11\ndata works, reason 0\n") << heard.errors;
+    EXPECT_EQ(heard.code, 0);
+    EXPECT_TRUE(ServeUntil([&] { return phone->listeners.empty(); }));
+}
+
+TEST_F(ClientTest, HasEveryCommandInItsManualAndItsCompletion) {
+    const std::string help = Run({"--help"}).output;
+    const std::string manual = FileContent(VARKEL_DATA_DIRECTORY "/man/varkelctl.1");
+    const std::string completion = FileContent(VARKEL_DATA_DIRECTORY "/completions/varkelctl");
+    std::istringstream lines(help.substr(help.find("Subcommands:\n")));
+    int commands = 0;
+    std::string line;
+    for (std::getline(lines, line); std::getline(lines, line) && line.starts_with("  "); ++commands) {
+        const std::string command = line.substr(2, line.find(' ', 2) - 2);
+        EXPECT_NE(manual.find("\n.B " + command), std::string::npos) << command;
+        EXPECT_NE(completion.find(command), std::string::npos) << command;
+    }
+    EXPECT_GE(commands, 11);
 }
 
 }  // namespace
