@@ -1,0 +1,48 @@
+#include "ui/check_box.h"
+
+#include "ui/dialog.h"
+#include "ui/fonts.h"
+#include "ui/marked_text.h"
+
+namespace varkel {
+
+CheckBox::CheckBox(Dialog& parent, const CheckSpec& spec)
+    : Control(parent, spec.id, spec.rect),
+      m_picture(parent.LoadPicture(spec.picture)),
+      m_checkedPicture(parent.LoadPicture(std::string(spec.picture) + "Sel")),
+      m_role(spec.role),
+      m_text(parent.LoadText(spec.caption)) {}
+
+void CheckBox::SetCheck(bool checked) {
+    if (m_checked == checked) return;
+    m_checked = checked;
+    Invalidate();
+}
+
+void CheckBox::Draw(Canvas& canvas) {
+    TextStyle style = StyleOf(m_role, Parent().Colors());
+    if (!IsWindowEnabled()) style.color = SkinColors::disabled;
+    DrawMarkedText(canvas, Parent().GetDesktop().GetGraphics(), Place(),
+                   m_checked ? m_checkedPicture : m_picture, m_text, style);
+}
+
+void CheckBox::AppendTargets(std::vector<TouchTarget>& targets) const {
+    targets.push_back({Id(), FingerSized(Place())});
+}
+
+void CheckBox::OnTouchUp(Point at) {
+    if (FingerSized(Place()).Contains(at)) Toggle();
+}
+
+bool CheckBox::OnKey(const KeyEvent& event) {
+    if (event.text != " ") return false;
+    Toggle();
+    return true;
+}
+
+void CheckBox::Toggle() {
+    SetCheck(!m_checked);
+    Parent().Click(Id());
+}
+
+}  // namespace varkel

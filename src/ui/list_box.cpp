@@ -1,0 +1,149 @@
+#include "ui/list_box.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "ui/dialog.h"
+#include "ui/fonts.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr int dragFrom = 12;  // pixels that a finger may tremble
+constexpr int margin = 16;
+constexpr int noteWidth = 220;
+constexpr auto lineFormat = TextFormat::VCenter | TextFormat::SingleLine | TextFormat::EndEllipsis;
+
+}  // namespace
+
+ListBox::ListBox(Dialog& parent, const ListSpec& spec)
+    : Control(parent, spec.id, spec.rect), m_rowHeight(spec.rowHeight) {}
+
+void ListBox::SetModel(ListModel model) {
+    m_model = std::move(model);
+    m_selected = -1;
+    m_offset = 0;
+    Reload();
+}
+
+void ListBox::Reload() {
+    m_selected = std::min(m_selected, Count() - 1);
+    SetOffset(m_offset);
+    Invalidate();
+}
+
+void ListBox::SelectRow(int row) {
+    m_selected = std::clamp(row, -1, Count() - 1);
+    Invalidate();
+    if (m_selected < 0) return;
+    const int top = m_selected * m_rowHeight;
+    SetOffset(std::clamp(m_offset, top + m_rowHeight - Place().height, top));
+}
+
+void ListBox::SetTopRow(int row) {
+    SetOffset(std::clamp(row, 0, Count()) * m_rowHeight);
+}
+
+void ListBox::SetOffset(int offset) {
+    const int most = std::max(0, Count() * m_rowHeight - Place().height);
+    const int before = TopRow();
+    const int shown = std::clamp(offset, 0, most);
+    if (shown == m_offset) return;
+    m_offset = shown;
+    Invalidate();
+    if (TopRow() != before && onScroll) onScroll();
+}
+
+Rect ListBox::PlaceOf(int row) const {
+    return {Place().x, Place().y + row * m_rowHeight - m_offset, Place().width, m_rowHeight};
+}
+
+void ListBox::Draw(Canvas& canvas) {
+    canvas.PushClip(Place());
+    const int last = std::min(Count() - 1, (m_offset + Place().height - 1) / m_rowHeight);
+    for (int row = TopRow(); row <= last; ++row)
+        DrawRow(canvas, row);
+    canvas.PopClip();
+}
+
+void ListBox::DrawRow(Canvas& canvas, int row) const {
+    const Palette& palette = Parent().GetDesktop().Colors();
+    const ListRow content = m_model.row(row);
+    const Rect place = PlaceOf(row);
+    const bool selected = row == m_selected;
+    if (selected) canvas.FillRect(place, palette.pressed);
+    canvas.FillRect({place.x + margin, place.Bottom() - 1, place.width - 2 * margin, 1}, palette.edge);
+
+    TextStyle text = StyleOf(TextRole::Body, Parent().Colors());
+    TextStyle small = StyleOf(TextRole::Secondary, Parent().Colors());
+    if (content.emphasised) text.color = palette.accent;
+    if (selected) text.color = small.color = palette.pressedText;
+
+    Rect left{place.x + margin, place.y, place.width - 2 * margin, place.height};
+    if (content.picture) {
+        const Size size = content.picture->GetSize();
+        canvas.TransparentImage(*content.picture,
+                                {left.x, place.y + (place.height - size.height) / 2, size.width, size.height},
+                                Rgb(0xFF, 0x00, 0xFF));
+        left.x += size.width + margin;
+        left.width -= size.width + margin;
+    }
+    if (!content.note.empty()) {
+        const Rect note{left.Right() - noteWidth, place.y, noteWidth, place.height};
+        canvas.DrawText(content.note, note, lineFormat | TextFormat::Right, small.font, small.color);
+        left.width -= noteWidth + margin;
+    }
+    const bool twoLines = !content.detail.empty();
+    const TextFormat side = Parent().GetDesktop().ReadsRightToLeft() ? TextFormat::Right : TextFormat::Left;
+    const int split = twoLines ? place.height * 4 / 7 : place.height;
+    canvas.DrawText(content.text, {left.x, left.y, left.width, split}, lineFormat | side, text.font,
+                    text.color);
+    if (!twoLines) return;
+    canvas.DrawText(content.detail, {left.x, left.y + split, left.width, place.height - split - 4},
+                    lineFormat | side, small.font, small.color);
+}
+
+void ListBox::AppendTargets(std::vector<TouchTarget>& targets) const {
+    const int rows = std::min(VisibleRows(), Count() - TopRow());
+    for (int row = TopRow(); row < TopRow() + rows; ++row)
+        targets.push_back({Id(), Intersection(PlaceOf(row), Place())});
+}
+
+void ListBox::OnTouchDown(Point at) {
+    m_down = at;
+    m_downOffset = m_offset;
+    m_dragging = false;
+}
+
+void ListBox::OnTouchMove(Point at) {
+    if (std::abs(at.y - m_down.y) >= dragFrom) m_dragging = true;
+    if (m_dragging) SetOffset(m_downOffset - (at.y - m_down.y));
+}
+
+void ListBox::OnTouchUp(Point at) {
+    if (std::exchange(m_dragging, false) || !Place().Contains(at)) return;
+    const int row = (at.y - Place().y + m_offset) / m_rowHeight;
+    if (row >= Count()) return;
+    SelectRow(row);
+    if (onTap) onTap(row);
+}
+
+bool ListBox::OnKey(const KeyEvent& event) {
+    switch (event.code) {
+        case KeyCode::Up: MoveSelection(-1); return true;
+        case KeyCode::Down: MoveSelection(1); return true;
+        case KeyCode::PageUp: PageUp(); return true;
+        case KeyCode::PageDown: PageDown(); return true;
+        case KeyCode::Home: SelectRow(0); return true;
+        case KeyCode::End: SelectRow(Count() - 1); return true;
+        default: return false;
+    }
+}
+
+void ListBox::MoveSelection(int by) {
+    SelectRow(std::clamp(m_selected + by, 0, std::max(0, Count() - 1)));
+}
+
+}  // namespace varkel

@@ -1,0 +1,96 @@
+#include "ui/radio_group.h"
+
+#include <algorithm>
+
+#include "ui/dialog.h"
+#include "ui/marked_text.h"
+
+namespace varkel {
+
+RadioGroup::RadioGroup(Dialog& parent, const RadioSpec& spec)
+    : Control(parent, spec.id, spec.rect),
+      m_item(spec.item),
+      m_look(spec.look),
+      m_picture(parent.LoadPicture(spec.picture)),
+      m_selectedPicture(
+          parent.LoadPicture(spec.look == RadioLook::Tab && spec.picture.ends_with('1')
+                                 ? std::string(spec.picture.substr(0, spec.picture.size() - 1)) + "Sel1"
+                                 : std::string(spec.picture) + "Sel")),
+      m_style(StyleOf(spec.role, parent.Colors())) {
+    for (const std::string_view caption : spec.captions)
+        m_texts.push_back(parent.LoadText(caption));
+}
+
+void RadioGroup::Select(int item) {
+    if (m_selected == item) return;
+    m_selected = item;
+    Invalidate();
+}
+
+void RadioGroup::SetItemText(int item, std::string_view text) {
+    m_texts.at(static_cast<std::size_t>(item)) = text;
+    Invalidate();
+}
+
+void RadioGroup::SetTextStyle(const TextStyle& style) {
+    m_style = style;
+    Invalidate();
+}
+
+Rect RadioGroup::PlaceOf(int item) const {
+    const int columns = std::max(1, Place().width / m_item.width);
+    return {Place().x + item % columns * m_item.width, Place().y + item / columns * m_item.height,
+            m_item.width, m_item.height};
+}
+
+int RadioGroup::ItemAt(Point at) const {
+    int reached = -1;
+    for (int item = 0; item < static_cast<int>(m_texts.size()); ++item) {
+        const Rect place = PlaceOf(item);
+        if (place.Contains(at)) return item;
+        if (reached < 0 && FingerSized(place).Contains(at)) reached = item;
+    }
+    return reached;
+}
+
+void RadioGroup::Draw(Canvas& canvas) {
+    for (int item = 0; item < static_cast<int>(m_texts.size()); ++item)
+        DrawItem(canvas, item);
+}
+
+void RadioGroup::DrawItem(Canvas& canvas, int item) const {
+    Graphics& graphics = Parent().GetDesktop().GetGraphics();
+    const Rect place = PlaceOf(item);
+    const std::string& text = m_texts[static_cast<std::size_t>(item)];
+    const bool selected = item == m_selected;
+    const Bitmap* const picture = selected ? m_selectedPicture : m_picture;
+    TextStyle style = m_style;
+    if (!IsWindowEnabled()) style.color = SkinColors::disabled;
+    if (m_look == RadioLook::Mark) {
+        DrawMarkedText(canvas, graphics, place, picture, text, style);
+        return;
+    }
+    if (picture) canvas.StretchBlt(*picture, place);
+    if (selected) style.color = Parent().GetDesktop().Colors().pressedText;
+    const LogFont font = FittingFont(graphics, text, style.font, {place.width - 8, place.height}, false);
+    canvas.DrawText(text, place, TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine, font,
+                    style.color);
+}
+
+void RadioGroup::AppendTargets(std::vector<TouchTarget>& targets) const {
+    for (int item = 0; item < static_cast<int>(m_texts.size()); ++item)
+        targets.push_back({Id(), FingerSized(PlaceOf(item))});
+}
+
+void RadioGroup::OnTouchDown(Point at) {
+    m_pressed = ItemAt(at);
+}
+
+void RadioGroup::OnTouchUp(Point at) {
+    const int item = ItemAt(at);
+    if (item < 0 || item != m_pressed || item == m_selected) return;
+    Select(item);
+    Parent().Click(Id());
+}
+
+}  // namespace varkel

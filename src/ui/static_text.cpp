@@ -1,0 +1,51 @@
+#include "ui/static_text.h"
+
+#include "ui/dialog.h"
+#include "ui/fonts.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr ColorRef white = 0xFFFFFF;
+constexpr ColorRef black = 0x000000;
+
+}  // namespace
+
+StaticText::StaticText(Dialog& parent, const TextSpec& spec)
+    : Control(parent, spec.id, spec.rect),
+      m_format(spec.format),
+      m_whiteGround(spec.ground == TextGround::Static && !parent.Spec().edits.empty()),
+      m_text(parent.LoadText(spec.caption)) {
+    const TextStyle style = StyleOf(spec.role, parent.Colors());
+    m_font = style.font;
+    m_color = m_whiteGround ? black : style.color;
+    const bool placed = Has(m_format, TextFormat::Center) || Has(m_format, TextFormat::Right);
+    if (!placed && parent.GetDesktop().ReadsRightToLeft()) m_format = m_format | TextFormat::Right;
+}
+
+void StaticText::SetWindowText(std::string_view text) {
+    if (m_text == text) return;
+    m_text = text;
+    Invalidate();
+}
+
+void StaticText::SetFont(const LogFont& font) {
+    m_font = font;
+    Invalidate();
+}
+
+void StaticText::SetTextColor(ColorRef color) {
+    m_color = color;
+    Invalidate();
+}
+
+void StaticText::Draw(Canvas& canvas) {
+    if (m_whiteGround) canvas.FillRect(Place(), white);
+    const bool breaks = Has(m_format, TextFormat::WordBreak);
+    const LogFont font = FittingFont(Parent().GetDesktop().GetGraphics(), m_text, m_font,
+                                     {Place().width, Place().height}, breaks);
+    canvas.DrawText(m_text, Place(), breaks ? m_format : m_format | TextFormat::EndEllipsis, font, m_color);
+}
+
+}  // namespace varkel
