@@ -49,6 +49,7 @@ LinuxPlatform::LinuxPlatform(LinuxRuntime& runtime, MessageLoop& loop, const Uni
       m_bus(settings.bus, onProblem),
       m_windows(m_bus, loop, onProblem),
       m_driver(MakeDriver(m_bus, settings, onProblem)),
+      m_dialUp(runtime, loop, settings.dialUp, onProblem),
       m_serial(
           runtime, [settings](std::string_view device) { return settings.TtyOf(device); },
           [onProblem](std::string_view device) {

@@ -48,7 +48,8 @@ int RunHeadless(const Options& options, LinuxRuntime& runtime, MessageLoop& loop
 
     HeadlessScreens screens(runtime, loop, terminal, linuxPlatform.GetLanguage());
     Platform platform = linuxPlatform.Services(screens);
-    CVarkelDlg dialog(platform, screens, {.countryCode = settings.countryCode});
+    CVarkelDlg dialog(platform, screens,
+                      {.countryCode = settings.countryCode, .pingAddresses = settings.pingAddresses});
     HeadlessCommands commands(dialog, platform.codePage, terminal);
     quit = [&dialog] { dialog.Quit(); };
     screens.Start(dialog.State(), [&commands](std::string_view line) { commands.Run(line); });

@@ -48,6 +48,8 @@ class DialUp {
     // Ends the connection, dialled or still dialling; waits until it has let go of the modem, at most some
     // seconds. A state that was reported before may still reach the notifier. Unknown handles are ignored.
     virtual void RasHangUp(RasHandle handle) = 0;
+    // The IPv4 address of the other end, in numbers; "" while it is not known, and for unknown handles.
+    virtual std::string PeerAddress(RasHandle handle) = 0;
 };
 
 }  // namespace varkel

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "modem/at_channel.h"
 #include "platform/platform.h"
@@ -15,6 +16,8 @@ namespace varkel {
 struct SessionOptions {
     // Put in front of the destination of a message that is not international; empty = nothing is.
     std::string countryCode = "86";
+    // Hosts that a link test asks, in this order, IPv4 in numbers; empty = the other end of the dial-up link.
+    std::vector<std::string> pingAddresses = {};
 };
 
 // References that outlive the parts.

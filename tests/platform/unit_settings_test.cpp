@@ -33,6 +33,8 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
         "object_prefix = car-1\n"
         "bus = unix:path=/run/unit/bus\n"
         "driver = bus\n"
+        "dial_up = \"/opt/my pppd\" debug\n"
+        "ping = 10.0.0.1 ,192.168.1.1\n"
         "[Serial]\n"
         "com7: = /dev/ttyUSB3\n"
         "COM9: = ttyModem\n"
@@ -53,6 +55,8 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
     EXPECT_EQ(settings.bus.kind, BusKind::Address);
     EXPECT_EQ(settings.bus.address, "unix:path=/run/unit/bus");
     EXPECT_EQ(settings.driver, DriverKind::Bus);
+    EXPECT_EQ(settings.dialUp, (std::vector<std::string>{"/opt/my pppd", "debug"}));
+    EXPECT_EQ(settings.pingAddresses, (std::vector<std::string>{"10.0.0.1", "192.168.1.1"}));
     EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB3");
     EXPECT_EQ(settings.TtyOf("com9:"), "/etc/unit/ttyModem");
     EXPECT_EQ(settings.TtyOf("COM1:"), "");
@@ -88,6 +92,9 @@ TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
         "colour = blue\n"
         "system_code_page = UTF-8\n"
         "country_code = +86\n"
+        "dial_up =\n"
+        "ping = 10.0.0.1, localhost\n"
+        "ping = 1.1.1.1,1.1.1.1,1.1.1.1,1.1.1.1,1.1.1.1,1.1.1.1,1.1.1.1,1.1.1.1,1.1.1.1\n"
         "[serial]\n"
         "COM7: =\n"
         "[programs]\n"
@@ -97,7 +104,8 @@ TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
         "[radio]\n"
         "x = y\n",
         "/");
-    const char* const lines[] = {"2", "3", "4", "5", "6", "7", "8", "9", "11", "13", "17", "15"};
+    const char* const lines[] = {"2",  "3",  "4",  "5",  "6",  "7",  "8", "9",
+                                 "10", "11", "12", "14", "16", "20", "18"};
     ASSERT_EQ(settings.errors.size(), std::size(lines));
     for (std::size_t i = 0; i < std::size(lines); ++i)
         EXPECT_TRUE(settings.errors[i].starts_with("line " + std::string(lines[i]) + ":"))
@@ -105,6 +113,8 @@ TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
     EXPECT_EQ(settings.language, "english");
     EXPECT_EQ(settings.systemCodePage, "GB18030");
     EXPECT_EQ(settings.countryCode, "86");
+    EXPECT_EQ(settings.dialUp, std::vector<std::string>{"/usr/sbin/pppd"});
+    EXPECT_TRUE(settings.pingAddresses.empty());
     EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB2");
     for (const char* path : {"/nowhere/unit.conf", "/tmp", "/dev/null/x"}) {
         const UnitSettings missing = LoadUnitSettings(path);

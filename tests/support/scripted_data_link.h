@@ -35,6 +35,11 @@ class ScriptedDialUp final : public DialUp {
         if (handle == m_current) m_current = RasHandle::None;
     }
 
+    std::string PeerAddress(RasHandle handle) override {
+        const std::lock_guard lock(m_mutex);
+        return handle != RasHandle::None && handle == m_current ? peerAddress : "";
+    }
+
     void Report(RasState state) {
         std::function<void(RasState)> notifier;
         {
@@ -52,6 +57,7 @@ class ScriptedDialUp final : public DialUp {
     RasError refusal = RasError::None;
     std::vector<RasDialParams> dialled;
     int hangUps = 0;
+    std::string peerAddress = "10.64.64.64";
 
   private:
     MessageLoop& m_loop;

@@ -135,8 +135,12 @@ bool ChildProcess::Wait(std::chrono::microseconds timeout) {
     return true;
 }
 
+// Until it has been collected the number is this program's.
+void ChildProcess::Terminate() {
+    if (m_pid != -1) kill(-m_pid, SIGTERM);
+}
+
 void ChildProcess::Kill() {
-    // Uncollected, the number is still this program's.
     if (m_pid != -1) kill(-m_pid, SIGKILL);
 }
 

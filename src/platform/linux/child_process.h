@@ -40,7 +40,9 @@ class ChildProcess {
     bool Wait(std::chrono::microseconds timeout);
     // Its exit code once Wait was true; -1 when a signal ended it.
     int ExitCode() const { return m_exitCode; }
-    // Ends the program and those it has started in its group, at once.
+    // Asks the program, and those it has started in its group, to end (SIGTERM).
+    void Terminate();
+    // Ends them at once.
     void Kill();
 
   private:

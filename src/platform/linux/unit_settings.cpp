@@ -1,6 +1,7 @@
 #include "platform/linux/unit_settings.h"
 
 #include <algorithm>
+#include <arpa/inet.h>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -91,6 +92,28 @@ bool SetDriver(UnitSettings& settings, const std::string& value, const std::stri
     return true;
 }
 
+bool SetDialUp(UnitSettings& settings, const std::string& value, const std::string&) {
+    auto command = SplitCommand(value);
+    if (command.empty()) return false;
+    settings.dialUp = std::move(command);
+    return true;
+}
+
+bool SetPing(UnitSettings& settings, const std::string& value, const std::string&) {
+    constexpr std::size_t most = 8;
+    std::vector<std::string> addresses;
+    for (std::size_t at = 0; at <= value.size();) {
+        const std::size_t comma = std::min(value.find(',', at), value.size());
+        addresses.emplace_back(Trimmed(std::string_view(value).substr(at, comma - at)));
+        in_addr number{};
+        if (inet_pton(AF_INET, addresses.back().c_str(), &number) != 1) return false;
+        at = comma + 1;
+    }
+    if (addresses.size() > most) return false;
+    settings.pingAddresses = std::move(addresses);
+    return true;
+}
+
 struct Key {
     std::string_view name;
     Set set;
@@ -107,6 +130,8 @@ constexpr Key unitKeys[] = {
     {"object_prefix", SetPrefix},
     {"bus", SetBus},
     {"driver", SetDriver},
+    {"dial_up", SetDialUp},
+    {"ping", SetPing},
 };
 
 // What is wrong with the entry; "" when it was taken.
@@ -157,6 +182,7 @@ UnitSettings DefaultUnitSettings() {
     settings.countryCode = "86";
     settings.registry = data + "/registry.db";
     settings.objectPrefix = "varkel-" + std::to_string(geteuid());
+    settings.dialUp = {"/usr/sbin/pppd"};
     settings.serial["COM7:"] = "/dev/ttyUSB2";
     return settings;
 }

@@ -11,6 +11,9 @@
 //     object_prefix = varkel-1000         programs with the same prefix share memory, mutexes and events
 //     bus = session                       session, system, none, or an address such as unix:path=/run/bus
 //     driver = board                      board (the section [driver]) or bus (another program)
+//     dial_up = /usr/sbin/pppd            the program that dials, see pppd_dial_up.h
+//     ping = 10.0.0.1, 10.0.0.2           hosts that a link test asks; the link's other end when none is
+//     named
 //
 //     [serial]
 //     COM7: = /dev/ttyUSB2                device name and tty
@@ -47,6 +50,8 @@ struct UnitSettings {
     BusOptions bus;
     DriverKind driver = DriverKind::Board;
     BoardAnswers board;
+    std::vector<std::string> dialUp;                           // a command
+    std::vector<std::string> pingAddresses;                    // IPv4 in numbers, at most 8
     std::map<std::string, std::string> serial;                 // by device name, in capitals
     std::map<std::string, std::vector<std::string>> programs;  // by PlainDevicePath
     std::vector<std::string> errors;  // "line 3: ..." each; what they are about keeps its default
