@@ -32,12 +32,16 @@ Dialog::Dialog(Desktop& desktop, const DialogSpec& spec)
       m_spec(spec),
       m_timers(desktop.Loop(), desktop.Numbers()),
       m_ownTimers(desktop.Loop(), desktop.Numbers()),
-      m_curtain(desktop.Loop(), desktop.Numbers(), [this] { Invalidate(); }) {}
+      m_curtain(desktop.Loop(), desktop.Numbers(), [this] { Invalidate(); }),
+      m_place(spec.rect) {}
 
 Dialog::~Dialog() {
     assert(m_handling == 0);
     // OnDestroy belongs to a class that is gone already.
-    if (m_onStack) m_desktop.Remove(*this);
+    if (m_onStack) {
+        LowerKeyboard();
+        m_desktop.Remove(*this);
+    }
     if (m_window != WindowHandle::None) m_desktop.Windows().DestroyWindow(m_window);
 }
 
@@ -70,13 +74,12 @@ void Dialog::Open() {
     m_colors = m_desktop.GetSettings().LoadColors();
     OpenWindow();
     CreateControls();
+    m_desktop.Add(*this);
     {
         const Handling handling(*this);
         OnInitDialog();
     }
-    if (m_stage != Stage::Open) return;
-    m_desktop.Add(*this);
-    if (!Animates()) return;
+    if (m_stage != Stage::Open || !Animates()) return;
     if (auto picture = m_desktop.PictureBelow(*this)) {
         m_curtain.Open(std::move(picture), [this] { Invalidate(); });
     }
@@ -93,11 +96,8 @@ void Dialog::EndDialog(DialogResult result) {
     SetFocus(nullptr);
     CancelTouch();
     m_timers.KillAll();
-    if (!m_spec.edits.empty() && m_desktop.hooks.sipShowIM) m_desktop.hooks.sipShowIM(false, *this);
-    const bool seen =
-        std::find(m_desktop.Stack().begin(), m_desktop.Stack().end(), this) != m_desktop.Stack().end() &&
-        m_visible;
-    if (seen && Animates()) {
+    LowerKeyboard();
+    if (m_visible && Animates()) {
         if (auto picture = m_desktop.PictureBelow(*this)) {
             m_curtain.Close(std::move(picture), [this] { Leave(); });
             return;
@@ -108,11 +108,16 @@ void Dialog::EndDialog(DialogResult result) {
 
 void Dialog::Leave() {
     m_stage = Stage::Ending;
+    LowerKeyboard();
     m_curtain.Stop();
     m_onStack = false;
     m_visible = false;
     m_desktop.Remove(*this);
     FinishSoon();
+}
+
+void Dialog::LowerKeyboard() {
+    if (!m_spec.edits.empty() && m_desktop.hooks.sipShowIM) m_desktop.hooks.sipShowIM(false, *this);
 }
 
 void Dialog::FinishSoon() {
@@ -128,7 +133,7 @@ void Dialog::Finish() {
     OnDestroy();
     m_timers.KillAll();
     m_ownTimers.KillAll();
-    m_focus = nullptr;
+    m_focus = m_lastFocus = nullptr;
     m_touched = nullptr;
     m_controls.clear();
     m_background = nullptr;
@@ -153,7 +158,7 @@ void Dialog::ReceiveMessage(const WindowMessage& message) {
     if (m_stage != Stage::Open) return;
     const Handling handling(*this);
     if (message.id == m_modifyFocus) {
-        if (m_focus) m_focus->OnFocus(true);
+        if (!m_focus) SetFocus(m_lastFocus);
     } else if (message.id == m_moveSipUp) {
         m_sipRect = sipUp;
     } else if (message.id == m_moveSipDown) {
@@ -205,6 +210,18 @@ void Dialog::ShowWindow(bool show) {
 void Dialog::EnableWindow(bool enable) {
     m_enabled = enable;
     m_desktop.OnStateChanged();
+}
+
+void Dialog::MoveTo(const Rect& place) {
+    Invalidate();
+    m_place = place;
+    Invalidate();
+}
+
+void Dialog::BringToTop() {
+    if (!m_onStack) return;
+    m_desktop.Remove(*this);
+    m_desktop.Add(*this);
 }
 
 void Dialog::Invalidate(const Rect& rect) {
@@ -334,6 +351,7 @@ void Dialog::SetFocus(Control* control) {
     if (m_focus == control) return;
     if (Control* const before = std::exchange(m_focus, control)) before->OnFocus(false);
     if (!control) return;
+    m_lastFocus = control;
     control->OnFocus(true);
     OnFocusChanged(control->Id());
 }

@@ -33,8 +33,8 @@ class Dialog {
 
     // Opens the dialog and returns when it has ended; Cancel when it is open already or the program ends.
     DialogResult DoModal();
-    // Opens the dialog and returns; `onClosed` runs when it has ended, from the message loop. On an open
-    // dialog this does nothing.
+    // Opens the dialog and returns; `onClosed` runs when it has ended, from the message loop, and may destroy
+    // the dialog. On an open dialog this does nothing.
     void Show(std::function<void(DialogResult)> onClosed = nullptr);
     // The dialog leaves the screen, at once or by its animation. The first result holds.
     void EndDialog(DialogResult result);
@@ -50,7 +50,7 @@ class Dialog {
     }
 
     const DialogSpec& Spec() const { return m_spec; }
-    const Rect& Place() const { return m_spec.rect; }
+    const Rect& Place() const { return m_place; }
     // None for a dialog that other programs do not know.
     WindowHandle Window() const { return m_window; }
     Desktop& GetDesktop() const { return m_desktop; }
@@ -113,6 +113,9 @@ class Dialog {
     virtual void OnMessage(const WindowMessage&) {}
 
     void OnClick(int id, std::function<void()> handler);
+    // For a dialog without controls: where it stands from now on.
+    void MoveTo(const Rect& place);
+    void BringToTop();
     // Runs `handler` every `period` ms.
     void SetTimer(int id, Ticks period, std::function<void()> handler);
     void KillTimer(int id) { m_timers.Kill(id); }
@@ -144,6 +147,7 @@ class Dialog {
     void CreateControls();
     bool Animates() const;
     void Leave();
+    void LowerKeyboard();
     void FinishSoon();
     void Finish();
     Control* ControlAt(Point at) const;
@@ -158,6 +162,7 @@ class Dialog {
     Curtain m_curtain;
     std::map<int, std::function<void()>> m_clicks;
 
+    Rect m_place;
     Stage m_stage = Stage::Closed;
     DialogResult m_result = DialogResult::None;
     std::function<void(DialogResult)> m_onClosed;
@@ -173,6 +178,7 @@ class Dialog {
     Control* m_touched = nullptr;
     bool m_touchedGround = false;  // the finger came down beside the controls
     Control* m_focus = nullptr;
+    Control* m_lastFocus = nullptr;
 
     WindowHandle m_window = WindowHandle::None;
     MessageId m_modifyFocus = 0;

@@ -26,10 +26,10 @@ enum class DisabledPicture { Sel, Disable, Dis };
 
 struct ButtonSpec {
     int id = 0;
-    Rect rect;
-    std::string_view picture;  // "Dial" stands for "Dial.bmp", "DialSel.bmp" and the disabled one
+    Rect rect{};
+    std::string_view picture{};  // "Dial" stands for "Dial.bmp", "DialSel.bmp" and the disabled one
     DisabledPicture disabled = DisabledPicture::Sel;
-    std::string_view caption;
+    std::string_view caption{};
     TextRole role = TextRole::Button;
     int textOffset = 0;
 };
@@ -40,8 +40,8 @@ enum class TextGround { Drawn, Static };
 
 struct TextSpec {
     int id = 0;
-    Rect rect;
-    std::string_view caption;
+    Rect rect{};
+    std::string_view caption{};
     TextRole role = TextRole::Body;
     TextFormat format = TextFormat::Left | TextFormat::VCenter | TextFormat::SingleLine;
     TextGround ground = TextGround::Drawn;
@@ -51,7 +51,7 @@ enum class EditInput { Text, Digits, PhoneNumber };
 
 struct EditSpec {
     int id = 0;
-    Rect rect;
+    Rect rect{};
     EditInput input = EditInput::Text;
     std::size_t maxUnits = 40;  // UTF-16 units
     bool password = false;
@@ -63,7 +63,7 @@ struct EditSpec {
 
 struct ListSpec {
     int id = 0;
-    Rect rect;
+    Rect rect{};
     int rowHeight = 72;
 };
 
@@ -72,26 +72,26 @@ enum class RadioLook { Mark, Tab };
 
 struct RadioSpec {
     int id = 0;
-    Rect rect;  // filled with items from left to right, then from top to bottom
-    Size item;
-    std::string_view picture;  // "Radio" stands for "Radio.bmp" and "RadioSel.bmp"
-    std::span<const std::string_view> captions;
+    Rect rect{};  // filled with items from left to right, then from top to bottom
+    Size item{};
+    std::string_view picture{};  // "Radio" stands for "Radio.bmp" and "RadioSel.bmp"
+    std::span<const std::string_view> captions{};
     RadioLook look = RadioLook::Mark;
     TextRole role = TextRole::Body;
 };
 
 struct CheckSpec {
     int id = 0;
-    Rect rect;
-    std::string_view picture;  // "Check" stands for "Check.bmp" and "CheckSel.bmp"
-    std::string_view caption;
+    Rect rect{};
+    std::string_view picture{};  // "Check" stands for "Check.bmp" and "CheckSel.bmp"
+    std::string_view caption{};
     TextRole role = TextRole::Body;
 };
 
 // A control that only keeps a place, as the one that a scroll bar is created from.
 struct PlaceSpec {
     int id = 0;
-    Rect rect;
+    Rect rect{};
 };
 
 // Who gets what is touched and typed while the dialog is the topmost one.
@@ -105,9 +105,9 @@ enum class DialogLayer { Screens, AboveAll };
 
 struct DialogSpec {
     Rect rect{0, 0, 800, 480};
-    std::string_view directory;  // of the pictures
-    std::string_view background;
-    std::string_view windowText;  // by which other programs find it; empty: it is no window of theirs
+    std::string_view directory{};  // of the pictures
+    std::string_view background{};
+    std::string_view windowText{};  // by which other programs find it; empty: it is no window of theirs
 
     std::span<const TextSpec> texts{};
     std::span<const ButtonSpec> buttons{};

@@ -185,7 +185,8 @@ void EditField::AppendTargets(std::vector<TouchTarget>& targets) const {
 }
 
 void EditField::OnTouchDown(Point at) {
-    Parent().SetFocus(this);
+    // A second touch brings back a keyboard that was put away.
+    HasFocus() ? RaiseKeyboard() : Parent().SetFocus(this);
     MoveCaretTo(at);
 }
 
@@ -208,8 +209,12 @@ void EditField::MoveCaretLine(int by) {
 
 void EditField::OnFocus(bool has) {
     Invalidate();
+    if (has) RaiseKeyboard();
+}
+
+void EditField::RaiseKeyboard() {
     const auto& sipShowIM = Parent().GetDesktop().hooks.sipShowIM;
-    if (has && m_spec.softKeyboard && sipShowIM) sipShowIM(true, Parent());
+    if (m_spec.softKeyboard && sipShowIM) sipShowIM(true, Parent());
 }
 
 bool EditField::OnKey(const KeyEvent& event) {

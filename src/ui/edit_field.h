@@ -36,6 +36,7 @@ class EditField final : public Control {
     bool OnKey(const KeyEvent& event) override;
 
   private:
+    void RaiseKeyboard();
     bool Accepts(char character) const;
     void Changed();
     void MoveCaret(std::size_t position);

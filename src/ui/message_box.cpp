@@ -1,0 +1,151 @@
+#include "ui/message_box.h"
+
+#include <algorithm>
+
+#include "ui/dialog.h"
+#include "ui/skin_button.h"
+#include "ui/static_text.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr Ticks boxLook = 100;  // how soon a box sees that it is to close
+constexpr int captionId = 10;
+constexpr int textId = 11;
+
+constexpr TextSpec texts[] = {
+    {captionId, {20, 12, 440, 40}, "", TextRole::Secondary},
+    {textId,
+     {24, 52, 432, 112},
+     "",
+     TextRole::Body,
+     TextFormat::Center | TextFormat::VCenter | TextFormat::WordBreak},
+};
+
+constexpr ButtonSpec buttons[] = {
+    {.id = idOk, .rect = {140, 172, 200, 72}, .caption = "OK"},
+};
+
+constexpr DialogSpec spec{
+    .rect = {160, 110, 480, 260},
+    .texts = texts,
+    .buttons = buttons,
+    .escapeClicks = idOk,
+};
+
+}  // namespace
+
+class MessageBoxes::Box final : public Dialog {
+  public:
+    Box(Desktop& desktop, const Question& question)
+        : Dialog(desktop, spec), m_text(question.text), m_caption(question.caption) {}
+
+  private:
+    void OnInitDialog() override {
+        const Palette& palette = GetDesktop().Colors();
+        auto& text = Get<StaticText>(textId);
+        text.SetWindowText(m_text);
+        text.SetTextColor(palette.text);
+        auto& caption = Get<StaticText>(captionId);
+        caption.SetWindowText(m_caption);
+        caption.SetTextColor(palette.secondary);
+        Get<CSkinButton>(idOk).SetFont(DialogFont(28));
+    }
+
+    void OnPaint(Canvas& canvas) override {
+        const Palette& palette = GetDesktop().Colors();
+        canvas.FillRect(Place(), palette.edge);
+        canvas.FillRect(Place().Inset(2), palette.background);
+    }
+
+    std::string m_text;
+    std::string m_caption;
+};
+
+MessageBoxes::MessageBoxes(Runtime& runtime, Desktop& desktop)
+    : m_runtime(runtime), m_desktop(desktop), m_self(std::make_shared<MessageBoxes*>(this)) {
+    m_desktop.hooks.messageBox = [this](std::string_view text) { ShowMessageBox(text, ""); };
+}
+
+MessageBoxes::~MessageBoxes() {
+    m_desktop.hooks.messageBox = nullptr;
+    *m_self = nullptr;
+    DismissAll();
+}
+
+MessageBoxes::QuestionPtr MessageBoxes::Ask(std::string_view text, std::string_view caption) {
+    auto question = std::make_shared<Question>();
+    question->text = text;
+    question->caption = caption;
+    question->dismissed = m_runtime.CreateEvent(EventReset::Manual);
+    const bool asked = m_questions.With([&question](std::vector<QuestionPtr>& questions) {
+        const auto same = [&question](const QuestionPtr& other) { return other->text == question->text; };
+        const bool refused =
+            questions.size() >= mostBoxes || std::any_of(questions.begin(), questions.end(), same);
+        if (!refused) questions.push_back(question);
+        return !refused;
+    });
+    if (!asked) return nullptr;
+    const bool posted = m_desktop.Loop().Post([self = m_self, question] {
+        if (*self) (*self)->Open(question);
+    });
+    if (posted) return question;
+    m_questions.With([&question](std::vector<QuestionPtr>& questions) { std::erase(questions, question); });
+    return nullptr;
+}
+
+bool MessageBoxes::IsOpen(const QuestionPtr& question) {
+    return m_questions.With([&question](const std::vector<QuestionPtr>& questions) {
+        return std::find(questions.begin(), questions.end(), question) != questions.end();
+    });
+}
+
+void MessageBoxes::Open(const QuestionPtr& question) {
+    if (!IsOpen(question)) return;
+    question->box = std::make_unique<Box>(m_desktop, *question);
+    question->box->Show([this, question](DialogResult) { Dismiss(question); });
+}
+
+void MessageBoxes::Dismiss(const QuestionPtr& question) {
+    m_questions.With([&question](std::vector<QuestionPtr>& questions) { std::erase(questions, question); });
+    question->box.reset();
+    question->dismissed->Set();
+}
+
+void MessageBoxes::DismissSoon(const QuestionPtr& question) {
+    m_desktop.Loop().Post([self = m_self, question] {
+        if (*self) (*self)->Dismiss(question);
+    });
+}
+
+void MessageBoxes::DismissAll() {
+    const std::vector<QuestionPtr> open = m_questions.Get();
+    for (const QuestionPtr& question : open) {
+        m_questions.With([&question](std::vector<QuestionPtr>& all) { std::erase(all, question); });
+        question->box.reset();
+        question->dismissed->Set();
+    }
+}
+
+void MessageBoxes::ShowMessageBox(std::string_view text, std::string_view caption) {
+    Ask(text, caption);
+}
+
+void MessageBoxes::MessageBox(std::string_view text, std::string_view caption, Event* closed) {
+    const QuestionPtr question = Ask(text, caption);
+    if (!question) return;
+    const auto isClosed = [closed] { return closed && closed->Wait(0) == WaitResult::Object0; };
+    if (m_desktop.Loop().OnDialogThread()) {
+        Timers look(m_desktop.Loop(), m_desktop.Numbers());
+        if (closed) look.Set(1, boxLook, [] {});
+        m_desktop.Loop().Run([&] { return !IsOpen(question) || isClosed(); });
+    } else {
+        while (question->dismissed->Wait(closed ? boxLook : infiniteTicks) != WaitResult::Object0 &&
+               !isClosed()) {
+        }
+    }
+    if (IsOpen(question)) DismissSoon(question);
+}
+
+}  // namespace varkel

@@ -1,0 +1,242 @@
+#include "ui/soft_keyboard.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "ui/edit_field.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr int holdTimer = 1;
+constexpr Rect dockedUp{1, 1, 798, 194};
+constexpr Rect dockedDown{1, 285, 798, 194};
+constexpr DialogSpec spec{.rect = dockedDown, .scope = DialogScope::OwnPlace};
+
+constexpr int radius = 8;
+constexpr int gap = 2;  // around the picture of a key
+constexpr auto centred = TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine;
+
+const char* LabelOf(KeyAction action) {
+    switch (action) {
+        case KeyAction::Shift: return "\u21E7";
+        case KeyAction::Back: return "\u232B";
+        case KeyAction::Done: return "OK";
+        case KeyAction::Latin: return "ABC";
+        case KeyAction::Cyrillic: return "АБВ";
+        case KeyAction::Symbols: return "123";
+        case KeyAction::Type: return "";
+    }
+    return "";
+}
+
+int Covered(const Rect& dock, const Rect& field) {
+    return Intersection(dock, field).height;
+}
+
+}  // namespace
+
+SoftKeyboard::SoftKeyboard(Desktop& desktop) : Dialog(desktop, spec) {
+    desktop.hooks.sipShowIM = [this](bool on, Dialog& owner) { SipShowIM(on, owner); };
+}
+
+SoftKeyboard::~SoftKeyboard() {
+    GetDesktop().hooks.sipShowIM = nullptr;
+}
+
+void SoftKeyboard::SipShowIM(bool on, Dialog& owner) {
+    if (!on) {
+        if (m_owner != &owner) return;
+        m_owner = nullptr;
+        CancelPress();
+        ShowWindow(false);
+        return;
+    }
+    const auto* const field = dynamic_cast<const EditField*>(owner.Focus());
+    if (!field) return;
+    m_owner = &owner;
+    m_shift = Shift::Off;
+    const bool text = field->Spec().input == EditInput::Text;
+    const bool russian = GetDesktop().Texts().GetLanguage() == "russian";
+    const KeyboardPage letters = russian ? KeyboardPage::Cyrillic : KeyboardPage::Latin;
+
+    // At the bottom, unless the field would be seen better with the keyboard at the top.
+    const bool up = Covered(dockedUp, field->Place()) < Covered(dockedDown, field->Place());
+    MoveTo(up ? dockedUp : dockedDown);
+    ShowPage(text ? letters : KeyboardPage::Symbols);
+    if (IsOpen()) {
+        ShowWindow(true);
+        BringToTop();
+    } else {
+        Show();
+    }
+    PostToOwner(up ? "UM_UMOVESIPUP" : "UM_UMOVESIPDOWN");
+    PostToOwner("UM_UMODIFYFOCUS");
+}
+
+void SoftKeyboard::PostToOwner(std::string_view name) {
+    WindowMessages& windows = GetDesktop().Windows();
+    windows.PostMessage(m_owner->Window(), {windows.RegisterWindowMessage(name), 0, 0});
+}
+
+void SoftKeyboard::ShowPage(KeyboardPage page) {
+    m_page = page;
+    CancelPress();
+    PlaceKeys();
+    Invalidate();
+}
+
+void SoftKeyboard::PlaceKeys() {
+    m_keys.clear();
+    const auto rows = RowsOf(m_page);
+    const auto left = [this](int column) { return Place().x + Place().width * column / keyboardColumns; };
+    const auto top = [this](int row) { return Place().y + Place().height * row / keyboardRows; };
+    for (int row = 0; row < keyboardRows; ++row) {
+        int column = 0;
+        for (const KeyboardKey& key : rows[static_cast<std::size_t>(row)]) {
+            const int end = column + key.columns;
+            m_keys.push_back(
+                {key, {left(column), top(row), left(end) - left(column), top(row + 1) - top(row)}});
+            column = end;
+        }
+    }
+}
+
+std::vector<TouchTarget> SoftKeyboard::Targets() const {
+    std::vector<TouchTarget> targets;
+    for (const PlacedKey& key : m_keys)
+        targets.push_back({static_cast<int>(targets.size()), key.place});
+    return targets;
+}
+
+Rect SoftKeyboard::PlaceOf(std::string_view character) const {
+    const auto found = std::find_if(m_keys.begin(), m_keys.end(), [character](const PlacedKey& key) {
+        return key.key.action == KeyAction::Type && ChoiceOf(key.key, 0) == character;
+    });
+    return found == m_keys.end() ? Rect{} : found->place;
+}
+
+Rect SoftKeyboard::PlaceOf(KeyAction action) const {
+    const auto found = std::find_if(m_keys.begin(), m_keys.end(),
+                                    [action](const PlacedKey& key) { return key.key.action == action; });
+    return found == m_keys.end() ? Rect{} : found->place;
+}
+
+void SoftKeyboard::OnPaint(Canvas& canvas) {
+    canvas.FillRect(Place(), GetDesktop().Colors().bar);
+    for (std::size_t i = 0; i < m_keys.size(); ++i)
+        DrawKey(canvas, m_keys[i], static_cast<int>(i) == m_pressed);
+}
+
+void SoftKeyboard::DrawKey(Canvas& canvas, const PlacedKey& key, bool pressed) const {
+    const Palette& palette = GetDesktop().Colors();
+    const KeyAction action = key.key.action;
+    const bool lit = pressed || (action == KeyAction::Shift && m_shift != Shift::Off);
+    ColorRef fill = action == KeyAction::Type ? palette.tile : palette.background;
+    if (action == KeyAction::Done) fill = palette.answer;
+    if (lit) fill = palette.pressed;
+    const ColorRef color = lit || action == KeyAction::Done ? palette.pressedText : palette.text;
+    const Rect place = key.place.Inset(gap);
+    canvas.RoundRect(place, radius, fill, palette.edge, 1);
+    const int height = action == KeyAction::Type ? 32 : 24;
+    canvas.DrawText(LabelOf(key, pressed), place, centred, {"SimSun & NSimSun", height, 400}, color);
+    if (action == KeyAction::Shift && m_shift == Shift::Locked) {
+        canvas.FillRect({place.x + place.width / 4, place.Bottom() - 8, place.width / 2, 3}, color);
+    }
+}
+
+std::string SoftKeyboard::LabelOf(const PlacedKey& key, bool pressed) const {
+    if (key.key.action != KeyAction::Type) return varkel::LabelOf(key.key.action);
+    if (key.key.types == " ") return "\u2423";
+    return Typed(key.key, pressed ? m_held : 0);
+}
+
+std::string SoftKeyboard::Typed(const KeyboardKey& key, int step) const {
+    const std::string_view choice = ChoiceOf(key, step);
+    return m_shift == Shift::Off ? std::string(choice) : UpperCase(choice);
+}
+
+int SoftKeyboard::KeyAt(Point at) const {
+    const auto found = std::find_if(m_keys.begin(), m_keys.end(),
+                                    [at](const PlacedKey& key) { return key.place.Contains(at); });
+    return found == m_keys.end() ? -1 : static_cast<int>(found - m_keys.begin());
+}
+
+void SoftKeyboard::OnTouch(const TouchEvent& event) {
+    const int key = KeyAt(event.at);
+    if (event.action == TouchAction::Down) {
+        Press(key);
+    } else if (event.action == TouchAction::Up) {
+        const int pressed = m_pressed;
+        if (pressed >= 0 && key == pressed) Release(m_keys[static_cast<std::size_t>(pressed)].key);
+        CancelPress();
+    } else if (m_pressed != key) {
+        CancelPress();
+    }
+}
+
+void SoftKeyboard::CancelPress() {
+    KillTimer(holdTimer);
+    m_held = 0;
+    if (m_pressed < 0) return;
+    m_pressed = -1;
+    Invalidate();
+}
+
+void SoftKeyboard::Press(int key) {
+    CancelPress();
+    if (key < 0 || !m_owner) return;
+    m_pressed = key;
+    const PlacedKey& pressed = m_keys[static_cast<std::size_t>(key)];
+    Invalidate(pressed.place);
+    if (pressed.key.action == KeyAction::Back) {
+        SendKey({KeyCode::Back, {}});
+        SetTimer(holdTimer, holdTime, [this] { HoldBackspace(); });
+    } else if (ChoiceOf(pressed.key, 0) != pressed.key.types) {
+        SetTimer(holdTimer, holdTime, [this] {
+            ++m_held;
+            Invalidate();
+        });
+    }
+}
+
+void SoftKeyboard::HoldBackspace() {
+    SendKey({KeyCode::Back, {}});
+    if (++m_held >= mostBackspaces) {
+        KillTimer(holdTimer);
+        return;
+    }
+    SetTimer(holdTimer, backspaceTime, [this] { HoldBackspace(); });
+}
+
+void SoftKeyboard::Release(const KeyboardKey& key) {
+    switch (key.action) {
+        case KeyAction::Type: {
+            const std::string typed = Typed(key, m_held);
+            if (m_shift == Shift::Once) {
+                m_shift = Shift::Off;
+                Invalidate();
+            }
+            SendKey({KeyCode::None, typed});
+            break;
+        }
+        case KeyAction::Shift:
+            m_shift = m_shift == Shift::Locked ? Shift::Off : Shift(static_cast<int>(m_shift) + 1);
+            Invalidate();
+            break;
+        case KeyAction::Back: break;
+        case KeyAction::Done:
+            if (m_owner) SipShowIM(false, *m_owner);
+            break;
+        case KeyAction::Latin: ShowPage(KeyboardPage::Latin); break;
+        case KeyAction::Cyrillic: ShowPage(KeyboardPage::Cyrillic); break;
+        case KeyAction::Symbols: ShowPage(KeyboardPage::Symbols); break;
+    }
+}
+
+void SoftKeyboard::SendKey(const KeyEvent& event) {
+    if (m_owner) m_owner->OnKeyEvent(event);
+}
+
+}  // namespace varkel
