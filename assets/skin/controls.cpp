@@ -22,7 +22,7 @@ Look PlainLook(State state, const Palette& colors) {
     switch (state) {
         case State::Normal: return {colors.tile, {colors.edge}, {colors.text, colors.accent}};
         // A pressed face needs no edge, so it has one of its own colour.
-        case State::Sel: return {colors.pressed, {colors.pressed}, {colors.onPressed, colors.onPressed}};
+        case State::Sel: return {colors.pressed, {colors.pressed}, {colors.pressedText, colors.pressedText}};
         case State::Disabled:
         case State::SelDisabled: break;
     }
@@ -37,7 +37,7 @@ Look LookOf(Tone tone, State state, const Palette& colors) {
     const Color normal = answer ? colors.answer : colors.hangup;
     const Color pressed = answer ? colors.answerPressed : colors.hangupPressed;
     const Color face = state == State::Sel ? pressed : normal;
-    return {face, {state == State::Sel ? normal : face, 3}, {colors.onCall, colors.onCall}};
+    return {face, {state == State::Sel ? normal : face, 3}, {colors.callText, colors.callText}};
 }
 
 void DrawTile(Painter& painter, Point cell, const char* icon, const Look& look) {
@@ -76,19 +76,6 @@ void DrawCallKey(Painter& painter, const Palette& colors, const Picture& picture
     painter.Icon(picture.detail.icon, Centred(Whole(picture), 68), look.icon);
 }
 
-void DrawSoftKey(Painter& painter, const Palette& colors, const Picture& picture, State state) {
-    const Look look = LookOf(picture.detail.tone, state, colors);
-    painter.RoundRect(Whole(picture).Inset(2), 8, look.face);
-    if (HasIcon(picture)) painter.Icon(picture.detail.icon, Centred(Whole(picture), 36), look.icon);
-}
-
-void DrawSoftFunction(Painter& painter, const Palette& colors, const Picture& picture, State state) {
-    Look look = LookOf(picture.detail.tone, state, colors);
-    if (state == State::Normal) look.face = colors.line;
-    painter.RoundRect(Whole(picture).Inset(2), 8, look.face);
-    if (HasIcon(picture)) painter.Icon(picture.detail.icon, Centred(Whole(picture), 36), look.icon);
-}
-
 void DrawAction(Painter& painter, const Palette& colors, const Picture& picture, State state) {
     constexpr double radius = 12, iconSize = 48, iconTop = 12;
     const Look look = LookOf(picture.detail.tone, state, colors);
@@ -108,16 +95,9 @@ void DrawBarButton(Painter& painter, const Palette& colors, const Picture& pictu
 }
 
 void DrawTab(Painter& painter, const Palette& colors, const Picture& picture, State state) {
-    constexpr double radius = 12;
-    constexpr int mark = 5;
-    const bool shown = state == State::Sel;
-    const Rect whole = Whole(picture);
-    painter.RoundRect(whole, radius, shown ? colors.well : colors.tileOff,
-                      {shown ? colors.edge : colors.line});
-    if (!shown) return;
-    const int width = picture.size.width - 64;
-    painter.RoundRect({(whole.width - width) / 2, whole.height - 2 * mark - 2, width, mark}, mark / 2.0,
-                      colors.accent);
+    Look look = LookOf(Tone::Plain, state, colors);
+    if (state == State::Normal) look.face = colors.tileOff;
+    painter.RoundRect(Whole(picture), 12, look.face, look.edge);
 }
 
 void DrawRow(Painter& painter, const Palette& colors, const Picture& picture, State state) {
@@ -144,13 +124,13 @@ void DrawCheck(Painter& painter, const Palette& colors, const Picture& picture, 
     const Rect box = Whole(picture).Inset(5);
     painter.RoundRect(box, 8, on && !off ? colors.pressed : colors.well, {line, 4});
     if (!on) return;
-    const Color tick = off ? colors.disabled : colors.onPressed;
+    const Color tick = off ? colors.disabled : colors.pressedText;
     painter.Icon("check", Centred(box, 28), {tick, tick});
 }
 
 void DrawArrow(Painter& painter, const Palette& colors, const Picture& picture, State state) {
     const bool pressed = state == State::Sel;
-    const Color line = pressed ? colors.onPressed : colors.onThumb;
+    const Color line = pressed ? colors.pressedText : colors.thumbText;
     painter.RoundRect(Whole(picture), 10, pressed ? colors.pressed : colors.thumb);
     painter.Icon(picture.detail.icon, Centred(Whole(picture), 30), {line, line});
 }
@@ -166,13 +146,13 @@ void DrawMark(Painter& painter, const Palette& colors, const Picture& picture, S
 
 void DrawMissedMark(Painter& painter, const Palette& colors, const Picture& picture, State state) {
     const bool selected = state == State::Sel;
-    const IconColors icon{selected ? colors.onPressed : colors.text,
-                          selected ? colors.onPressed : colors.warning};
+    const IconColors icon{selected ? colors.pressedText : colors.text,
+                          selected ? colors.pressedText : colors.warning};
     painter.Icon(picture.detail.icon, Centred(Whole(picture), picture.size.height - 4), icon);
 }
 
 void DrawBadge(Painter& painter, const Palette& colors, const Picture& picture, State) {
-    painter.RoundRect(Whole(picture), picture.size.height / 2.0, colors.hangup, {colors.onCall, 2});
+    painter.RoundRect(Whole(picture), picture.size.height / 2.0, colors.hangup, {colors.callText, 2});
 }
 
 void DrawSignal(Painter& painter, const Palette& colors, const Picture& picture, State) {

@@ -12,9 +12,6 @@ void DrawCell(Painter& painter, const Palette& colors, const Picture& picture, S
 
 // A face with nothing, or an icon in its middle.
 void DrawKey(Painter& painter, const Palette& colors, const Picture& picture, State state);
-// The quieter key of the soft keyboard, 2 pixels smaller than its picture all around.
-void DrawSoftKey(Painter& painter, const Palette& colors, const Picture& picture, State state);
-void DrawSoftFunction(Painter& painter, const Palette& colors, const Picture& picture, State state);
 // Its place reaches the lower edge of the warning dialog, which goes on below its face.
 void DrawWarnKey(Painter& painter, const Palette& colors, const Picture& picture, State state);
 // As DrawKey, rounder and with a larger icon.
@@ -23,7 +20,7 @@ void DrawCallKey(Painter& painter, const Palette& colors, const Picture& picture
 void DrawAction(Painter& painter, const Palette& colors, const Picture& picture, State state);
 // In the top bar, without an edge.
 void DrawBarButton(Painter& painter, const Palette& colors, const Picture& picture, State state);
-// A tab above a list; Sel is the one whose list is shown.
+// A tab above a list; the one whose list is shown looks pressed.
 void DrawTab(Painter& painter, const Palette& colors, const Picture& picture, State state);
 // A line of choices.
 void DrawRow(Painter& painter, const Palette& colors, const Picture& picture, State state);

@@ -23,10 +23,10 @@ std::string Hex(Color color);
 struct Palette {
     Color background, bar, barButton, tile, tileOff, well, dialog, field, channel, edge, line, ring;
     Color text, secondary, accent, warning, disabled;
-    Color pressed, onPressed;
-    Color answer, answerPressed, hangup, hangupPressed, onCall;
-    Color thumb, onThumb;
-    Color label, onLabel, choice;
+    Color pressed, pressedText;
+    Color answer, answerPressed, hangup, hangupPressed, callText;
+    Color thumb, thumbText;
+    Color label, labelText, choice;
 
     // A key file of "name = #RRGGBB" lines that names every colour; otherwise `problem` says what is wrong.
     static std::optional<Palette> Parse(std::string_view text, std::string& problem);

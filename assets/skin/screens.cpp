@@ -125,7 +125,7 @@ void DrawWarning(Painter& painter, const Palette& colors, const Picture& picture
 
 void DrawTip(Painter& painter, const Palette& colors, const Picture& picture, State) {
     DrawDialog(painter, colors, picture);
-    painter.Icon(picture.detail.icon, {(picture.size.width - 56) / 2.0, 24, 56},
+    painter.Icon(picture.detail.icon, {(picture.size.width - 44) / 2.0, 14, 44},
                  {colors.text, colors.accent});
 }
 
