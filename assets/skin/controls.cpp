@@ -120,12 +120,10 @@ void DrawRadio(Painter& painter, const Palette& colors, const Picture& picture, 
 void DrawCheck(Painter& painter, const Palette& colors, const Picture& picture, State state) {
     const bool on = state == State::Sel || state == State::SelDisabled;
     const bool off = state == State::Disabled || state == State::SelDisabled;
-    const Color line = off ? colors.disabled : on ? colors.pressed : colors.text;
+    const Color line = off ? colors.disabled : on ? colors.accent : colors.text;
     const Rect box = Whole(picture).Inset(5);
-    painter.RoundRect(box, 8, on && !off ? colors.pressed : colors.well, {line, 4});
-    if (!on) return;
-    const Color tick = off ? colors.disabled : colors.pressedText;
-    painter.Icon("check", Centred(box, 28), {tick, tick});
+    painter.RoundRect(box, 8, on ? line : colors.well, {line, 4});
+    if (on) painter.Icon("check", Centred(box, 28), {colors.well, colors.well});
 }
 
 void DrawArrow(Painter& painter, const Palette& colors, const Picture& picture, State state) {

@@ -2,7 +2,9 @@
 
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/linux/board_kovex_drv.h"
 #include "platform/linux/bus_kovex_drv.h"
@@ -19,17 +21,34 @@ std::unique_ptr<KovexDrvApi> MakeDriver(Bus& bus, const UnitSettings& settings,
     return std::make_unique<BoardKovexDrv>(settings.board, settings.TtyOf("COM7:"), onProblem);
 }
 
-std::unique_ptr<SqliteRegistry> OpenRegistry(const UnitSettings& settings, const ProblemSink& onProblem) {
+std::optional<std::string> ReadText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) return std::nullopt;
+    return std::string{std::istreambuf_iterator<char>(file), {}};
+}
+
+void ReportAll(const ProblemSink& onProblem, const std::string& path,
+               const std::vector<std::string>& problems) {
+    for (const std::string& problem : problems)
+        Report(onProblem, path + ", " + problem);
+}
+
+// The unit's own values come first; a skin gives what is missing then.
+std::unique_ptr<SqliteRegistry> OpenRegistry(const UnitSettings& settings, const Skin& skin,
+                                             const ProblemSink& onProblem) {
     auto registry = SqliteRegistry::Open(settings.registry, onProblem);
-    if (!registry || settings.initialRegistry.empty()) return registry;
-    std::ifstream file(settings.initialRegistry, std::ios::binary);
-    if (!file) {
-        Report(onProblem, settings.initialRegistry + " cannot be read");
-        return registry;
+    if (!registry) return registry;
+    if (const std::string& path = settings.initialRegistry; !path.empty()) {
+        if (const auto text = ReadText(path)) {
+            ReportAll(onProblem, path, LoadInitialRegistry(*registry, *text));
+        } else {
+            Report(onProblem, path + " cannot be read");
+        }
     }
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    for (const std::string& error : LoadInitialRegistry(*registry, text)) {
-        Report(onProblem, settings.initialRegistry + ", " + error);
+    const std::string path = skin.directory + "/registry.txt";
+    if (const auto text = ReadText(path)) {
+        const std::string other = ReadText(skin.other + "/registry.txt").value_or("");
+        ReportAll(onProblem, path, FollowSkin(*registry, *text, other));
     }
     return registry;
 }
@@ -40,11 +59,12 @@ LinuxPlatform::LinuxPlatform(LinuxRuntime& runtime, MessageLoop& loop, const Uni
                              ProblemSink onProblem)
     : m_runtime(runtime),
       m_loop(loop),
-      m_files(settings.root, settings.assets),
+      m_skin(ChooseSkin(settings.assets, settings.palette, runtime.GetLocalTime().hour)),
+      m_files(settings.root, settings.assets, m_skin.directory),
       m_log(runtime, m_files),
       m_language(m_files, settings.language),
       m_codePage(DisplayCodePage(m_language.GetLanguage(), settings.systemCodePage, onProblem)),
-      m_registry(OpenRegistry(settings, onProblem)),
+      m_registry(OpenRegistry(settings, m_skin, onProblem)),
       m_objects(runtime, settings.objectPrefix),
       m_bus(settings.bus, onProblem),
       m_windows(m_bus, loop, onProblem),

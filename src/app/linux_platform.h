@@ -16,6 +16,7 @@
 #include "platform/linux/problem_sink.h"
 #include "platform/linux/sdl_sound.h"
 #include "platform/linux/shm_named_objects.h"
+#include "platform/linux/skin.h"
 #include "platform/linux/sqlite_registry.h"
 #include "platform/linux/tty_serial_port.h"
 #include "platform/linux/unit_settings.h"
@@ -40,6 +41,7 @@ class LinuxPlatform {
   private:
     LinuxRuntime& m_runtime;
     MessageLoop& m_loop;
+    const Skin m_skin;
     LinuxUnitFiles m_files;
     Log m_log;
     Language m_language;

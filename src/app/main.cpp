@@ -23,6 +23,7 @@ UnitSettings LoadSettings(const Options& options) {
         options.unitFile.empty() ? DefaultUnitSettings() : LoadUnitSettings(options.unitFile);
     if (!options.port.empty()) settings.serial["COM7:"] = options.port;
     if (!options.assets.empty()) settings.assets = options.assets;
+    settings.palette = ParsePalette(options.palette).value_or(settings.palette);
     return settings;
 }
 

@@ -14,6 +14,7 @@ struct Options {
     std::string unitFile;  // empty: the defaults of a user's own run
     std::string port;      // empty: as the unit file says
     std::string assets;    // likewise
+    std::string palette;   // likewise: night, day or auto
     LogLevel logLevel = LogLevel::Debug;
     bool debugOutput = false;
 };

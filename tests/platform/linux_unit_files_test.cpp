@@ -68,6 +68,19 @@ TEST_F(LinuxUnitFilesTest, ReadsAssetsBelowTheUnitsOwnFiles) {
     EXPECT_EQ(test::FileContent(assets + "/ResidentFlash2/bin/Msg.wav"), "installed") << "never written";
 }
 
+TEST_F(LinuxUnitFilesTest, ReadsTheSkinBeforeTheAssets) {
+    const std::string skin = scratch / "skin";
+    fs::create_directories(skin + "/ResidentFlash2/bin/Gprs");
+    fs::create_directories(assets + "/ResidentFlash2/bin/Gprs");
+    test::WriteFile(skin + "/ResidentFlash2/bin/Gprs/Radio.bmp", "skin");
+    test::WriteFile(assets + "/ResidentFlash2/bin/Gprs/Radio.bmp", "asset");
+    test::WriteFile(assets + "/ResidentFlash2/bin/Gprs/ISPDest.dat", "asset");
+    LinuxUnitFiles skinned(root, assets, skin);
+    EXPECT_EQ(skinned.ReadWhole("\\residentflash2\\bin\\GPRS\\Radio.bmp", 100), "skin");
+    EXPECT_EQ(skinned.ReadWhole("\\residentflash2\\bin\\GPRS\\ISPDest.dat", 100), "asset");
+    EXPECT_EQ(files.ReadWhole("\\residentflash2\\bin\\GPRS\\Radio.bmp", 100), "asset");
+}
+
 TEST_F(LinuxUnitFilesTest, NothingLeadsOutOfTheUnit) {
     test::WriteFile(scratch / "secret", "secret");
     fs::create_directories(root + "/NandFlash");

@@ -25,6 +25,7 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
         "[unit]\n"
         "root = flash\n"
         "assets = ../assets/.\n"
+        "palette = Auto\n"
         "language = Russian\n"
         "system_code_page = CP936\n"
         "country_code =\n"
@@ -46,6 +47,7 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
     EXPECT_TRUE(settings.errors.empty()) << settings.errors[0];
     EXPECT_EQ(settings.root, "/etc/unit/flash");
     EXPECT_EQ(settings.assets, "/etc/assets/");
+    EXPECT_EQ(settings.palette, PaletteChoice::Auto);
     EXPECT_EQ(settings.language, "russian");
     EXPECT_EQ(settings.systemCodePage, "CP936");
     EXPECT_EQ(settings.countryCode, "");

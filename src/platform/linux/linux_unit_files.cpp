@@ -24,8 +24,10 @@ class LinuxAppendFile final : public AppendFile {
 
 }  // namespace
 
-LinuxUnitFiles::LinuxUnitFiles(std::string root, std::string assets)
-    : m_root(std::move(root)), m_assets(std::move(assets)) {
+LinuxUnitFiles::LinuxUnitFiles(std::string root, std::string assets, std::string skin)
+    : m_root(std::move(root)) {
+    if (!skin.empty()) m_installed.emplace_back(std::move(skin));
+    m_installed.emplace_back(std::move(assets));
     // A root that cannot be made shows in every later call.
     [[maybe_unused]] const bool made = m_root.MakeRoot();
 }
@@ -42,8 +44,11 @@ bool LinuxUnitFiles::CreateDirectory(std::string_view path) {
 PlacedFile LinuxUnitFiles::Find(std::string_view path) const {
     const auto names = SplitDevicePath(path);
     PlacedFile place = m_root.Place(names, MissingVolume::Fail);
-    // The asset may be read only when the unit has certainly no file of its own in its place.
-    if (place.presence == Presence::Missing) place = m_assets.Place(names, MissingVolume::Fail);
+    // The next one may be read only when there is certainly no such file in this one.
+    for (const UnitDirectory& directory : m_installed) {
+        if (place.presence != Presence::Missing) break;
+        place = directory.Place(names, MissingVolume::Fail);
+    }
     return place;
 }
 

@@ -44,6 +44,13 @@ bool SetPath(UnitSettings& settings, const std::string& value, const std::string
     return true;
 }
 
+bool SetPalette(UnitSettings& settings, const std::string& value, const std::string&) {
+    const auto choice = ParsePalette(value);
+    if (!choice) return false;
+    settings.palette = *choice;
+    return true;
+}
+
 bool SetLanguage(UnitSettings& settings, const std::string& value, const std::string&) {
     const auto* const known = std::find(std::begin(languages), std::end(languages), LowerAscii(value));
     if (known == std::end(languages)) return false;
@@ -122,6 +129,7 @@ struct Key {
 constexpr Key unitKeys[] = {
     {"root", SetPath<&UnitSettings::root>},
     {"assets", SetPath<&UnitSettings::assets>},
+    {"palette", SetPalette},
     {"language", SetLanguage},
     {"system_code_page", SetCodePage},
     {"country_code", SetCountryCode},

@@ -3,6 +3,7 @@
 //     [unit]
 //     root = flash                        the unit's flash: volumes such as NandFlash are directories in it
 //     assets = /usr/share/varkel/assets   the installed read-only files of the same shape
+//     palette = night                     of the screens: night, day, or auto for day from 7 to 19 o'clock
 //     language = english                  english, chinese, tchinese, russian, portugal, arabic
 //     system_code_page = GB18030          of texts in languages without one of their own; as iconv names it
 //     country_code = 86                   put in front of national numbers of messages; none when it is empty
@@ -33,6 +34,7 @@
 
 #include "platform/linux/board_kovex_drv.h"
 #include "platform/linux/bus.h"
+#include "platform/linux/skin.h"
 
 namespace varkel {
 
@@ -41,6 +43,7 @@ enum class DriverKind { Board, Bus };
 struct UnitSettings {
     std::string root;
     std::string assets;
+    PaletteChoice palette = PaletteChoice::Night;
     std::string language;
     std::string systemCodePage;
     std::string countryCode;
