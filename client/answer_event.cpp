@@ -26,10 +26,11 @@ ExitCode AnswerEvent::Prepare() {
     return ExitCode::Ok;
 }
 
-ExitCode AnswerEvent::Await() {
+ExitCode AnswerEvent::Await(const std::function<void()>& again) {
     while (m_event->Wait(std::min(Left(), slice)) != WaitResult::Object0) {
         if (!m_program.Running()) return Fail(ExitCode::NotRunning, "varkel ended before it answered");
         if (Left() == 0) return Fail(ExitCode::NoAnswer, "no answer in time");
+        if (again) again();
     }
     return ExitCode::Ok;
 }

@@ -1,6 +1,7 @@
 // The named event with which the program answers a request.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,8 +19,8 @@ class AnswerEvent {
 
     // Takes the turn and resets the event. The request goes out after this.
     ExitCode Prepare();
-    // Waits for the answer.
-    ExitCode Await();
+    // Waits for the answer. `again` runs now and then until it comes: a program that is busy drops a request.
+    ExitCode Await(const std::function<void()>& again = {});
 
   private:
     Ticks Left() const;

@@ -18,7 +18,7 @@ class Commands {
         AddPlain(app);
         CLI::App* const send =
             Add(app, Command::Send, "send", "send a short message and wait for its result");
-        send->add_option("number", parsed.number, "at most 15 digits, + for an international one")
+        send->add_option("number", parsed.number, "at most 15 digits, with + an international one")
             ->required();
         send->add_option("text", parsed.text, "at most 115 characters")->required();
         CLI::App* const call = app.add_subcommand("call", "call a number that the unit has stored");

@@ -1,7 +1,5 @@
 #include "client/requests.h"
 
-#include <functional>
-
 #include "client/answer_event.h"
 
 namespace varkel::client {
@@ -18,8 +16,9 @@ using AnswerOf = std::string (*)(const SharedDataLayout&);
 ExitCode Ask(PhoneProgram& program, Ticks timeout, MessageId request, AnswerOf answerOf) {
     AnswerEvent answered(program, "CGSMData RESP EVENT", timeout);
     if (const ExitCode code = answered.Prepare(); code != ExitCode::Ok) return code;
-    if (!program.Post(request)) return Fail(ExitCode::NotRunning, "the request cannot be sent");
-    if (const ExitCode code = answered.Await(); code != ExitCode::Ok) return code;
+    const auto ask = [&] { program.Post(request); };
+    ask();
+    if (const ExitCode code = answered.Await(ask); code != ExitCode::Ok) return code;
     const auto data = program.Data().Read();
     if (!data) return Fail(ExitCode::Failed, "the shared block cannot be read");
     const std::string answer = answerOf(*data);

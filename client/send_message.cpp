@@ -15,9 +15,9 @@ namespace {
 constexpr std::uint32_t sendMessage = 0;  // dwData
 constexpr std::size_t numberAt = 32;      // bytes
 constexpr std::size_t textAt = 64;
-constexpr std::size_t longestNumber = (textAt - numberAt) / 2 - 1;  // units, without the NUL
-constexpr std::size_t longestText = 121;                            // bytes of the display code page
-constexpr std::size_t mostUnits = 115;                              // of one message
+constexpr std::size_t longestNumber = (textAt - numberAt) / 2;  // units; a full field needs no NUL
+constexpr std::size_t longestText = 121;                        // bytes of the display code page
+constexpr std::size_t mostUnits = 115;                          // of one message
 
 // The number without the separators that people write; nothing when it is none.
 std::optional<std::string> PlainNumber(std::string_view number) {
@@ -52,7 +52,7 @@ void Put(std::vector<std::byte>& block, std::size_t at, std::string_view utf8) {
 ExitCode SendShortMessage(PhoneProgram& program, const UnitSettings& settings, const std::string& number,
                           const std::string& text, Ticks timeout) {
     const auto plain = PlainNumber(number);
-    if (!plain) return Fail(ExitCode::Usage, "not a number of at most 15 characters: " + number);
+    if (!plain) return Fail(ExitCode::Usage, "not a number of at most 15 digits: " + number);
     if (!Survives(*DisplayCodePage(settings.language, settings.systemCodePage, {}), text)) {
         return Fail(
             ExitCode::Usage,
@@ -64,7 +64,7 @@ ExitCode SendShortMessage(PhoneProgram& program, const UnitSettings& settings, c
 
     AnswerEvent result(program, "SendSM_SUS", timeout);
     if (const ExitCode code = result.Prepare(); code != ExitCode::Ok) return code;
-    if (!program.SendCopyData(sendMessage, block))
+    if (program.SendCopyData(sendMessage, block).value_or(0) == 0)
         return Fail(ExitCode::Failed, "varkel does not take the message");
     if (const ExitCode code = result.Await(); code != ExitCode::Ok) return code;
     return PrintLine("sent") ? ExitCode::Ok : ExitCode::Failed;

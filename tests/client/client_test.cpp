@@ -175,10 +175,10 @@ TEST_F(ClientTest, WatchesUntilItIsInterruptedAndIsRemovedThen) {
 
 TEST_F(ClientTest, SendsAMessageInTheLayoutOfTheBlock) {
     const auto phone = StartPhone();
-    const Ended ended = Run({"send", "+86 (138) 0013-8000", "Привет"});
+    const Ended ended = Run({"send", "+86 (138) 0013-8000 01", "Привет"});
     EXPECT_EQ(ended.code, 0) << ended.errors;
     EXPECT_EQ(ended.output, "sent\n");
-    const std::u16string number = u"+8613800138000";
+    const std::u16string number = u"+861380013800001";
     const std::u16string text = u"Привет";
     std::string expected(64 + (text.size() + 1) * 2, '\0');
     std::memcpy(expected.data() + 32, number.data(), number.size() * 2);
@@ -188,10 +188,12 @@ TEST_F(ClientTest, SendsAMessageInTheLayoutOfTheBlock) {
     phone->sends = false;
     EXPECT_EQ(Run({"--timeout", "0.1", "send", "10086", "again"}).code, 4)
         << "an event that an earlier message has set is no result";
+    phone->accepts = false;
+    EXPECT_EQ(Run({"send", "10086", "no"}).code, 1);
     phone->received.clear();
     const Lines refused[] = {
         {"send", "", "no number"},
-        {"send", "1234567890123456", "too long a number"},
+        {"send", "+1234567890123456", "too long a number"},
         {"send", "10086\r\x1A", "a number that ends a line"},
         {"send", "86+10086", "a plus inside"},
         {"send", "10086", std::string(116, 'x')},

@@ -40,8 +40,9 @@ class PhoneDouble {
     std::string imei;
     std::optional<ConnectionStatus> status;
     std::function<void()> onQuit;
-    // A message to be sent: its bytes, and whether the network takes it.
+    // A message to be sent: its bytes, and whether program and network take it.
     std::string copied;
+    bool accepts = true;
     bool sends = true;
 
     void Notify(std::uint32_t linkStatus, std::uint32_t reason) {
@@ -87,7 +88,7 @@ class PhoneDouble {
         received.push_back("copy-data " + std::to_string(dwData));
         copied.assign(reinterpret_cast<const char*>(data.data()), data.size());
         if (sends) m_objects.CreateEvent("SendSM_SUS")->Set();
-        return 0;
+        return accepts ? 1 : 0;
     }
 
     ShmNamedObjects m_objects;
