@@ -39,6 +39,13 @@ std::string PrefixFor(const std::string& directory) {
     return "varkel-sim-" + HexFromBytes(bytes);
 }
 
+// Clients that are started elsewhere have another session, and find the unit's bus by its address.
+std::string BusAddress() {
+    const char* const address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    const bool usable = address && std::strchr(address, ':') && !std::strchr(address, '\n');
+    return usable ? address : "session";
+}
+
 std::string UnitFile(const UnitPlace& place, const std::string& assets) {
     return "# The simulated unit; written by varkel-sim at every start.\n"
            "[unit]\n"
@@ -49,7 +56,9 @@ std::string UnitFile(const UnitPlace& place, const std::string& assets) {
            "object_prefix = " +
            place.objectPrefix +
            "\n"
-           "bus = session\n"
+           "bus = " +
+           BusAddress() +
+           "\n"
            "driver = bus\n"
            "\n"
            "[serial]\n"
