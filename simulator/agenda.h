@@ -12,7 +12,7 @@
 namespace varkel::sim {
 
 // Who planned something, so that it can be called off.
-enum class Topic { Start, Sim, Radio, Reply, Ussd, Call, CallBack, Messages };
+enum class Topic { Start, Sim, Radio, Reply, Ussd, Call, CallBack, Data, Messages };
 
 class Agenda {
   public:

@@ -1,4 +1,7 @@
-// Console commands for voice calls and service codes: what the network and the far end of a call do.
+// Console commands for calls, data and service codes: what the network and the far end of a call do.
+#include <algorithm>
+#include <array>
+
 #include "platform/text.h"
 #include "simulator/simulated_unit.h"
 
@@ -73,6 +76,22 @@ CommandResult UssdEnd(SimulatedUnit& unit, std::string_view arguments, Millis no
     return {};
 }
 
+constexpr std::array<std::string_view, 4> dataMoods{"normal", "deaf", "silent", "refuse"};
+
+CommandResult Data(SimulatedUnit& unit, std::string_view arguments, Millis) {
+    DataCall& call = unit.GetModem().Data();
+    if (arguments.empty()) {
+        constexpr std::array<std::string_view, 4> phases{"no data call", "dialled", "negotiated", "up"};
+        return {true, std::string(phases[static_cast<std::size_t>(call.Phase())]) + ", " +
+                          std::string(dataMoods[static_cast<std::size_t>(call.Mood())])};
+    }
+    if (arguments == "drop") return call.Drop() ? CommandResult() : Failed("there is no data call");
+    const auto mood = std::find(dataMoods.begin(), dataMoods.end(), arguments);
+    if (mood == dataMoods.end()) return Usage("data");
+    call.SetMood(static_cast<DataMood>(mood - dataMoods.begin()));
+    return {};
+}
+
 constexpr ConsoleCommand commands[] = {
     {"call", "NUMBER|hidden", "somebody calls for a minute; one who was called at 10003 does so by himself",
      Call},
@@ -82,6 +101,8 @@ constexpr ConsoleCommand commands[] = {
     {"no-answer", "", "nobody is there, as at 10002 and after 30 s anywhere else", NoAnswer},
     {"no-carrier", "", "the network does not put the call through", NoCarrier},
     {"no-dialtone", "", "the module finds no line", NoDialtone},
+    {"data", "[drop|normal|deaf|silent|refuse]",
+     "the data link; it is lost; data calls go well, meet no host, get no answer, are refused", Data},
     {"ussd", "TEXT", "what the network answers to service codes, and to messages to 10086", UssdAnswer},
     {"ussd-ask", "[TEXT]", "it asks that first, and the reply gets the answer", UssdQuestion},
     {"ussd-end", "", "it ends the dialogue, as it does after a minute without a reply", UssdEnd},

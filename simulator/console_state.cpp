@@ -77,7 +77,7 @@ struct NamedTime {
     Millis ModemTimes::*time;
 };
 
-constexpr std::array<NamedTime, 10> namedTimes{{{"boot", &ModemTimes::boot},
+constexpr std::array<NamedTime, 11> namedTimes{{{"boot", &ModemTimes::boot},
                                                 {"ready", &ModemTimes::ready},
                                                 {"sim-start", &ModemTimes::simStart},
                                                 {"sim-init", &ModemTimes::simInit},
@@ -86,7 +86,8 @@ constexpr std::array<NamedTime, 10> namedTimes{{{"boot", &ModemTimes::boot},
                                                 {"sim-reply", &ModemTimes::simReply},
                                                 {"dial", &ModemTimes::dial},
                                                 {"send", &ModemTimes::send},
-                                                {"ussd", &ModemTimes::ussd}}};
+                                                {"ussd", &ModemTimes::ussd},
+                                                {"data", &ModemTimes::data}}};
 
 CommandResult Time(SimulatedUnit& unit, std::string_view arguments, Millis) {
     ModemTimes& times = unit.Config().times;
@@ -151,10 +152,13 @@ std::string NetworkState(SimulatedUnit& unit) {
     const Radio& radio = modem.Network();
     constexpr std::array<std::string_view, 4> calls{"no call", "a call rings", "a number is dialled",
                                                     "a call is up"};
+    constexpr std::array<std::string_view, 4> data{"no data call", "a data call is dialled",
+                                                   "a data call is negotiated", "the data link is up"};
     return "network  " + std::string(YesNo(radio.Registered(), "registered", "not registered")) +
            ", signal " + std::to_string(radio.Signal()) +
            std::string(YesNo(radio.Varying(), ", varying", "")) + ", " +
-           std::string(calls[static_cast<std::size_t>(modem.CurrentCall().Phase())]);
+           std::string(calls[static_cast<std::size_t>(modem.CurrentCall().Phase())]) + ", " +
+           std::string(data[static_cast<std::size_t>(modem.Data().Phase())]);
 }
 
 std::string DriverState(SimulatedUnit& unit) {

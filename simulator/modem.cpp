@@ -12,7 +12,8 @@ Modem::Modem(ModemConfig& config, SimCard& sim, Agenda& agenda, Wire& wire, Mode
       m_wire(wire),
       m_hooks(hooks),
       m_radio(agenda, seed, config.signal),
-      m_call(*this, agenda) {
+      m_call(*this, agenda),
+      m_data(*this, agenda) {
     m_radio.onRegistration = [this](Millis now) { OnRegistration(now); };
 }
 
@@ -40,6 +41,7 @@ void Modem::PowerOff(Millis now) {
     m_agenda.Drop(Topic::Reply);
     CancelUssd();
     m_call.Lose("the module is off");
+    m_data.Lose("the module is off");
     m_radio.Stop(now);
     m_simPhase = SimPhase::Absent;
     m_mode = Mode::Line;
@@ -184,8 +186,11 @@ void Modem::OnRegistration(Millis now) {
     constexpr std::string_view texts[] = {"not registered", "registered", "searches for a network"};
     if (m_booted) Say(texts[static_cast<std::size_t>(state)]);
     if (m_settings.registrationReports) Unsolicited("+CREG: " + std::to_string(static_cast<int>(state)), now);
-    const bool lost = state != Registration::Home && m_call.Lose("the module has no network");
-    if (lost) Unsolicited("NO CARRIER", now);
+    constexpr std::string_view noNetwork = "the module has no network";
+    if (state != Registration::Home) {
+        if (m_call.Lose(noNetwork)) Unsolicited("NO CARRIER", now);
+        m_data.Lose(noNetwork);
+    }
     if (Reachable() && onMessagesPossible) onMessagesPossible(now);
 }
 

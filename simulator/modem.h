@@ -11,6 +11,7 @@
 
 #include "simulator/agenda.h"
 #include "simulator/command_table.h"
+#include "simulator/data_call.h"
 #include "simulator/modem_settings.h"
 #include "simulator/radio.h"
 #include "simulator/sim_card.h"
@@ -28,6 +29,9 @@ struct ModemHooks {
     std::function<void(std::string_view)> command;
     // A message that went out: its PDU in octets.
     std::function<void(std::string_view, Millis)> sent;
+    // As in UnitHooks.
+    std::function<void(std::string_view)> dialLine;
+    std::function<void(int)> dialEnd;
 };
 
 // Echo, command lines and answers after ITU-T V.250. Bytes that come while a command is being carried out
@@ -60,6 +64,7 @@ class Modem {
 
     Radio& Network() { return m_radio; }
     VoiceCall& CurrentCall() { return m_call; }
+    DataCall& Data() { return m_data; }
 
     // For the commands.
     ModemConfig& Config() { return m_config; }
@@ -117,6 +122,7 @@ class Modem {
 
     ModemSettings m_settings;
     VoiceCall m_call;
+    DataCall m_data;
     bool m_ussdAsked = false;  // the network waits for a reply
     bool m_powered = false;
     bool m_booted = false;

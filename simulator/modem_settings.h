@@ -51,6 +51,7 @@ struct ModemTimes {
     Millis dial = 20;      // from ATD to the far end's ringing; of ATA
     Millis send = 1500;    // of a message
     Millis ussd = 1000;    // from OK to the network's answer
+    Millis data = 1000;    // from the dialling of a data call to the network's answer
 };
 
 // What the module reports when it has started: 5 = ready, 3 = no usable SIM.

@@ -91,7 +91,7 @@ class ScenarioParser {
         return true;
     }
 
-    // Each on a unit that runs and dials a number, whatever the lines before have done to it.
+    // Each on a unit that runs, dials a number and a data call, whatever the lines before have done to it.
     CommandResult Try(std::string_view command) {
         m_trial.SetVanished(false);
         m_trial.SetUsbDown(false);
@@ -102,6 +102,7 @@ class ScenarioParser {
         m_trial.Advance(m_time);
         m_trial.GetModem().CurrentCall().Lose("another line is tried");
         m_trial.GetModem().CurrentCall().Dial("1", m_time);
+        m_trial.GetModem().Data().Dial("", m_time);
         return m_trial.Command(command, m_time);
     }
 

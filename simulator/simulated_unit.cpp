@@ -31,6 +31,8 @@ void SimulatedUnit::SetHooks(UnitHooks hooks) {
         if (m_hooks.sent) m_hooks.sent(pdu);
         m_centre.OnSent(pdu, now);
     };
+    m_modemHooks.dialLine = m_hooks.dialLine;
+    m_modemHooks.dialEnd = m_hooks.dialEnd;
     MessageCentreHooks centreHooks;
     if (m_hooks.say) centreHooks.say = [this](std::string_view text) { m_hooks.say(Voice::Network, text); };
     centreHooks.sent = m_hooks.message;
@@ -94,7 +96,27 @@ void SimulatedUnit::SetUsbDown(bool down) {
 // The module hangs up when nobody controls it any more, as with a dropped DTR.
 void SimulatedUnit::OnLinkLost() {
     m_wire.Clear();
-    m_modem.CurrentCall().Lose("the module's USB link is gone");
+    constexpr std::string_view noLink = "the module's USB link is gone";
+    m_modem.CurrentCall().Lose(noLink);
+    m_modem.Data().Lose(noLink);
+}
+
+void SimulatedUnit::DialData(std::string_view user, Millis now) {
+    Advance(now);
+    if (UsbUp()) return m_modem.Data().Dial(user, now);
+    constexpr int portNotOpened = 7;  // of pppd's exit codes
+    if (m_hooks.dialLine) m_hooks.dialLine("Failed to open the modem: No such file or directory");
+    if (m_hooks.dialEnd) m_hooks.dialEnd(portNotOpened);
+}
+
+void SimulatedUnit::HangUpData(Millis now) {
+    Advance(now);
+    m_modem.Data().HangUp();
+}
+
+void SimulatedUnit::AbandonData(Millis now) {
+    Advance(now);
+    m_modem.Data().Abandon();
 }
 
 void SimulatedUnit::SetSimInserted(bool inserted, Millis now) {

@@ -36,6 +36,9 @@ struct UnitHooks {
     // The PDU of a message that the modem sent, in octets; and what it says.
     std::function<void(std::string_view)> sent;
     std::function<void(const SubmittedMessage&)> message;
+    // What the dialling program prints, and the code with which it is to exit then.
+    std::function<void(std::string_view)> dialLine;
+    std::function<void(int)> dialEnd;
     // RestartMachine was called: the module is off already, the programs of the unit are to start anew.
     std::function<void()> restart;
 };
@@ -63,6 +66,12 @@ class SimulatedUnit {
 
     // A function of the driver library. `value` is as in KovexDrvApi::Call.
     bool Call(DrvFunction function, int& value, Millis now);
+
+    // The dialling program was started; both are for a program that has not been ended since.
+    void DialData(std::string_view user, Millis now);
+    void HangUpData(Millis now);
+    // It has vanished without a word.
+    void AbandonData(Millis now);
 
     // One line of the console or a scenario.
     CommandResult Command(std::string_view line, Millis now);

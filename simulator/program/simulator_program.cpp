@@ -45,6 +45,8 @@ SimulatorProgram::SimulatorProgram(ProgramOptions options)
         const bool modem = voice == Voice::Modem;
         Tell(std::string(NameOf(voice)) + ": " + std::string(text), !(modem && m_options.quiet));
     };
+    hooks.dialLine = [this](std::string_view line) { m_dial->Print(line); };
+    hooks.dialEnd = [this](int code) { m_dial->End(code); };
     hooks.restart = [this] { RestartUnit(); };
     m_unit.SetHooks(std::move(hooks));
 }
@@ -76,13 +78,14 @@ bool SimulatorProgram::Prepare() {
 
     if (!m_options.scenario.empty() && !LoadScenario()) return false;
     std::string fault;
-    auto place = MakeUnitPlace(m_options.unitDirectory, m_options.assets, fault);
+    auto place = MakeUnitPlace(m_options.unitDirectory, m_options.assets, DialProgramPath(), fault);
     if (!place) {
         m_screen.Say(fault);
         return false;
     }
     m_place = std::move(*place);
     ShmNamedObjects::Remove(m_place.objectPrefix);
+    if (!OpenDialSocket()) return false;
 
     UnitBusHooks hooks;
     hooks.call = [this](DrvFunction function, int& value) { return m_unit.Call(function, value, Now()); };
@@ -97,6 +100,16 @@ bool SimulatorProgram::Prepare() {
     if (!m_options.command.empty()) return StartProgram();
     m_screen.Say("type \"help\" for the commands, \"quit\" to end");
     return true;
+}
+
+bool SimulatorProgram::OpenDialSocket() {
+    DialSocketHooks hooks;
+    hooks.dial = [this](std::string_view user) { m_unit.DialData(user, Now()); };
+    hooks.hangUp = [this] { m_unit.HangUpData(Now()); };
+    hooks.gone = [this] { m_unit.AbandonData(Now()); };
+    m_dial = DialSocket::Open(m_place.directory, std::move(hooks));
+    if (!m_dial) m_screen.Say(std::string("no socket for the dialling program: ") + std::strerror(errno));
+    return m_dial != nullptr;
 }
 
 bool SimulatorProgram::LoadScenario() {
@@ -193,7 +206,7 @@ std::optional<Millis> SimulatorProgram::NextDeadline() const {
 }
 
 void SimulatorProgram::Wait() {
-    enum Place { Tasks, Signals, Typed, Line, Output, Errors, Input, End, Count };
+    enum Place { Tasks, Signals, Typed, Line, Dial, Output, Errors, Input, End, Count };
     std::array<pollfd, Count> polled;
     polled.fill({-1, POLLIN, 0});
     polled[Tasks].fd = m_tasks.Descriptor();
@@ -204,6 +217,7 @@ void SimulatorProgram::Wait() {
         polled[Line].fd = m_pty->Descriptor();
         if (m_pty->Waiting()) polled[Line].events = POLLIN | POLLOUT;
     }
+    polled[Dial].fd = m_dial->Descriptor();
     if (m_program) {
         polled[Output].fd = m_program->Output();
         polled[Errors].fd = m_program->Errors();
@@ -221,6 +235,7 @@ void SimulatorProgram::Wait() {
 
     if (polled[Line].revents & POLLOUT) m_pty->Flush();
     if (polled[Line].revents & POLLIN) m_unit.HostWrites(m_pty->Read(), Now());
+    if (polled[Dial].revents) m_dial->Serve();
     if (polled[Output].revents) OnProgramOutput(STDOUT_FILENO, m_program->ReadOutput());
     if (polled[Errors].revents) OnProgramOutput(STDERR_FILENO, m_program->ReadErrors());
     if (polled[Input].revents) m_program->FlushInput();

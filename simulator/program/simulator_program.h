@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/linux/file_descriptor.h"
+#include "simulator/program/dial_socket.h"
 #include "simulator/program/hosted_program.h"
 #include "simulator/program/line_reader.h"
 #include "simulator/program/pty.h"
@@ -46,6 +47,7 @@ class SimulatorProgram {
     using Clock = std::chrono::steady_clock;
 
     bool Prepare();
+    bool OpenDialSocket();
     bool LoadScenario();
     bool StartProgram();
     Millis Now() const;
@@ -81,6 +83,7 @@ class SimulatorProgram {
     UnitPlace m_place;
     std::unique_ptr<UnitBus> m_bus;
     std::unique_ptr<ScenarioPlayer> m_player;
+    std::unique_ptr<DialSocket> m_dial;
     std::unique_ptr<Pty> m_pty;
     bool m_noPty = false;  // the system gave none; said once for each time that the device should appear
     FileDescriptor m_signals;

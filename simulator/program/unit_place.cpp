@@ -46,7 +46,7 @@ std::string BusAddress() {
     return usable ? address : "session";
 }
 
-std::string UnitFile(const UnitPlace& place, const std::string& assets) {
+std::string UnitFile(const UnitPlace& place, const std::string& assets, const std::string& dialProgram) {
     return "# The simulated unit; written by varkel-sim at every start.\n"
            "[unit]\n"
            "root = flash\n" +
@@ -59,7 +59,9 @@ std::string UnitFile(const UnitPlace& place, const std::string& assets) {
            "bus = " +
            BusAddress() +
            "\n"
-           "driver = bus\n"
+           "driver = bus\n" +
+           (dialProgram.empty() ? std::string()
+                                : "dial_up = \"" + dialProgram + "\" \"" + place.directory + "\"\n") +
            "\n"
            "[serial]\n"
            "COM7: = " +
@@ -69,16 +71,21 @@ std::string UnitFile(const UnitPlace& place, const std::string& assets) {
 }  // namespace
 
 std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, const std::string& assets,
-                                       std::string& fault) {
+                                       const std::string& dialProgram, std::string& fault) {
     std::error_code error;
     const std::string absolute = std::filesystem::absolute(directory, error).lexically_normal().string();
     const std::string absoluteAssets =
         assets.empty() ? "" : std::filesystem::absolute(assets, error).lexically_normal().string();
-    if (error || absolute.find('\n') != std::string::npos || absoluteAssets.find('\n') != std::string::npos) {
+    // What the unit file could not hold as a value, or between quotes.
+    const bool bad = absolute.find_first_of("\n\"") != std::string::npos ||
+                     dialProgram.find_first_of("\n\"") != std::string::npos ||
+                     absoluteAssets.find('\n') != std::string::npos;
+    if (error || bad) {
         fault = "a directory of that name cannot be used";
         return std::nullopt;
     }
     UnitPlace place;
+    place.directory = absolute;
     place.unitFile = absolute + "/unit.conf";
     place.tty = absolute + "/ttyModem";
     place.objectPrefix = PrefixFor(absolute);
@@ -90,13 +97,19 @@ std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, const std::
     }
     // A link that was left over would lead to some other terminal.
     const bool made = there && place.lock && WriteFile(absolute + "/registry.txt", factoryRegistry) &&
-                      WriteFile(place.unitFile, UnitFile(place, absoluteAssets)) &&
+                      WriteFile(place.unitFile, UnitFile(place, absoluteAssets, dialProgram)) &&
                       (unlink(place.tty.c_str()) == 0 || errno == ENOENT);
     if (!made) {
         fault = absolute + ": " + std::strerror(errno);
         return std::nullopt;
     }
     return place;
+}
+
+std::string DialProgramPath() {
+    std::error_code error;
+    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? "" : (self.parent_path() / "varkel-sim-pppd").string();
 }
 
 std::string DefaultUnitDirectory() {

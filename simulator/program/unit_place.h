@@ -9,6 +9,7 @@
 namespace varkel::sim {
 
 struct UnitPlace {
+    std::string directory;
     std::string unitFile;      // for the hosted program
     std::string tty;           // the link to the modem's device
     std::string objectPrefix;  // of the unit's named objects; its own for each directory
@@ -16,9 +17,13 @@ struct UnitPlace {
 };
 
 // Makes the directory, for the user alone, and writes the files of the unit as it leaves the factory; flash
-// and registry stay as they are. `assets` may be empty. Nothing when that fails, and `fault` says why.
+// and registry stay as they are. `assets` and `dialProgram` may be empty. Nothing when that fails, and
+// `fault` says why.
 std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, const std::string& assets,
-                                       std::string& fault);
+                                       const std::string& dialProgram, std::string& fault);
+
+// Where the unit's dialling program stands: beside this one.
+std::string DialProgramPath();
 
 // Where the unit lives unless somebody says otherwise.
 std::string DefaultUnitDirectory();

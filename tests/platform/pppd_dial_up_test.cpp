@@ -74,9 +74,10 @@ TEST_F(PppdDialUpTest, TellsHowFarItIsAndWhyItEnded) {
     };
     const std::string all(connects);
     const Case cases[] = {
-        {all + "echo Modem hangup; echo Connection terminated.; echo Exit.; exit 16\n",
+        {all + "echo Modem hangup; echo Connect time 0.1 minutes.; echo Connection terminated.; echo Exit.; "
+               "exit 16\n",
          {open, device, up, authenticate, authenticated, connected, gone},
-         "dial-up: the modem has hung up (16); it said last: Connection terminated."},
+         "dial-up: the modem has hung up (16); it said last: Modem hangup"},
         {"echo Connect script failed >&2; echo Exit.; exit 8\n",
          {open, device, gone},
          "dial-up: the script that dials has failed (8); it said last: Connect script failed"},

@@ -14,6 +14,8 @@ BenchUnit::BenchUnit(const UnitConfig& config, std::uint64_t seed) : unit(config
     hooks.command = [this](std::string_view text) { commands.emplace_back(text); };
     hooks.sent = [this](std::string_view pdu) { sent.emplace_back(pdu); };
     hooks.message = [this](const SubmittedMessage& message) { messages.push_back(message); };
+    hooks.dialLine = [this](std::string_view line) { dialled += std::string(line) + "|"; };
+    hooks.dialEnd = [this](int code) { dialled += "=" + std::to_string(code); };
     hooks.restart = [this] { ++restarts; };
     unit.SetHooks(std::move(hooks));
 }

@@ -33,6 +33,7 @@ class BenchUnit {
     std::vector<std::string> networkSaid;  // that part of `said`
     std::vector<std::string> sent;         // PDUs
     std::vector<SubmittedMessage> messages;
+    std::string dialled;  // what the dialling program prints, "|" behind each line, "=5" for its exit code
     int restarts = 0;
 };
 

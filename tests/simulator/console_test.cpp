@@ -67,6 +67,8 @@ TEST(Console, ExplainsWhatItDoesNotUnderstand) {
         "start-report sometimes",
         "no-sim-answer maybe",
         "state please",
+        "data drop",
+        "data maybe",
         "help nonsense",
     };
     for (const std::string_view line : lines) {
@@ -101,8 +103,8 @@ TEST(Console, ShowsTheStateOfThings) {
     bench.Do({"noise 0.001", "split 3", "late 1.5s", "signal 12", "book add Bob 123"});
     const std::string state = bench.unit.Command("state", bench.now).text;
     for (const std::string_view part :
-         {"module   running", "READY", "registered, signal 12", "1 of 250 entries", "supply 25",
-          "split 3, noise 0.001, late 1.5s, lose 0, double 0"}) {
+         {"module   running", "READY", "registered, signal 12, no call, no data call", "1 of 250 entries",
+          "supply 25", "split 3, noise 0.001, late 1.5s, lose 0, double 0"}) {
         EXPECT_NE(state.find(part), std::string::npos) << part << "\n" << state;
     }
     EXPECT_EQ(bench.unit.Command("book list", bench.now).text, "1 of 250 entries\n1  123  Bob");

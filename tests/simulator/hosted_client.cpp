@@ -1,5 +1,6 @@
 // A program on the simulated unit: does what it is told on its standard input, with the driver library, the
-// modem's device and the main window, and ends with 1 as soon as anything is not as it should be.
+// modem's device, the main window and the data link, and ends with 1 as soon as anything is not as it should
+// be.
 #include <array>
 #include <cstdlib>
 #include <fcntl.h>
@@ -13,6 +14,7 @@
 #include "platform/linux/bus_window_messages.h"
 #include "platform/linux/file_descriptor.h"
 #include "platform/linux/linux_runtime.h"
+#include "platform/linux/pppd_dial_up.h"
 #include "platform/linux/unit_settings.h"
 
 namespace {
@@ -32,7 +34,8 @@ void Require(bool well, std::string_view what) {
 }
 
 struct Client {
-    explicit Client(const UnitSettings& unit) : tty(unit.TtyOf("COM7:")), bus(unit.bus, {}) {
+    explicit Client(const UnitSettings& unit)
+        : tty(unit.TtyOf("COM7:")), bus(unit.bus, {}), dialUp(runtime, loop, unit.dialUp, Say) {
         int power = -1;
         Require(driver.Get3GPower(power) && power == 0, "the module is off at first");
     }
@@ -53,16 +56,38 @@ struct Client {
         Say("device");
     }
 
-    void Ask() {
-        Require(WriteAll(device.Get(), "AT\r"), "the device takes a command");
+    void Ask(const std::string& command = "AT") {
+        Require(WriteAll(device.Get(), command + "\r"), "the device takes a command");
         std::string answer;
         while (answer.find("\r\nOK\r\n") == std::string::npos) {
             const std::string more = Read();
             Require(!more.empty(), "the modem answers");
             answer += more;
         }
-        Require(answer == "AT\r\r\nOK\r\n", "echo and answer");
-        Say("\"AT\" is answered");
+        Require(answer == command + "\r\r\nOK\r\n", "echo and answer");
+        Say("\"" + command + "\" is answered");
+    }
+
+    void Dial() {
+        const auto follow = [this](RasState state) {
+            Say("link state " + std::to_string(static_cast<unsigned>(state)));
+            settled = state == RasState::Connected || state == RasState::Disconnected;
+        };
+        Require(dialUp.RasDial({"connet", "us\"er", "pass word"}, follow, link) == RasError::None,
+                "it dials");
+        Follow();
+    }
+
+    // Until the link is up or has ended.
+    void Follow() {
+        settled = false;
+        loop.Run([this] { return settled; });
+    }
+
+    void HangUp() {
+        dialUp.RasHangUp(link);
+        Require(dialUp.PeerAddress(link).empty(), "nobody is at the other end");
+        Say("hung up");
     }
 
     void Post() {
@@ -93,6 +118,9 @@ struct Client {
     MessageLoop loop{runtime};
     BusWindowMessages windows{bus, loop, {}};
     BusKovexDrv driver{bus};
+    PppdDialUp dialUp;
+    RasHandle link = RasHandle::None;
+    bool settled = false;
     FileDescriptor device;
 };
 
@@ -106,6 +134,10 @@ int main(int, char** argv) {
     for (std::string line; std::getline(std::cin, line);) {
         if (line == "power") client.Power();
         if (line == "ask") client.Ask();
+        if (line == "context") client.Ask("AT+CGDCONT=1,\"IP\",\"CMNET\"");
+        if (line == "dial") client.Dial();
+        if (line == "follow") client.Follow();
+        if (line == "hangup") client.HangUp();
         if (line == "post") client.Post();
         if (line == "wait") client.WaitForHangUp();
         if (line == "restart") Require(client.driver.RestartMachine(), "the unit restarts");

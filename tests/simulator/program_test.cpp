@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "platform/linux/unit_settings.h"
+#include "simulator/program/dial_socket.h"
 #include "simulator/program/hosted_program.h"
 #include "simulator/program/line_reader.h"
 #include "simulator/program/pty.h"
@@ -201,29 +202,75 @@ TEST(Hosted, SaysWhyItCannotStart) {
     EXPECT_EQ(OpenDescriptors(), before);
 }
 
+TEST(DialSocketTest, ServesOneProgramAfterTheOther) {
+    TemporaryDirectory directory;
+    // Far longer than a socket's address may be.
+    const std::string path = directory.path + "/" + std::string(200, 'x');
+    std::filesystem::create_directory(path);
+    const int before = OpenDescriptors();
+    {
+        std::vector<std::string> heard;
+        const auto socket = DialSocket::Open(
+            path, {[&](std::string_view user) { heard.emplace_back(user); },
+                   [&] { heard.emplace_back("(hangup)"); }, [&] { heard.emplace_back("(gone)"); }});
+        ASSERT_TRUE(socket);
+        socket->Print("for nobody");
+        const auto serve = [&](std::size_t wanted) {
+            while (heard.size() < wanted && Readable(socket->Descriptor()))
+                socket->Serve();
+        };
+        FileDescriptor first = ConnectDialSocket(path);
+        FileDescriptor second = ConnectDialSocket(path);
+        ASSERT_TRUE(first && second);
+        for (const std::string& packet : {std::string("dial "), std::string("nonsense"),
+                                          std::string("hangup"), "dial " + std::string(100'000, 'x')})
+            EXPECT_TRUE(SendDialPacket(first, packet));
+        EXPECT_TRUE(SendDialPacket(second, "dial user"));
+        serve(3);
+        socket->Print("a line");
+        socket->End(7);
+        EXPECT_EQ(ReceiveDialPacket(first), "line a line");
+        EXPECT_EQ(ReceiveDialPacket(first), "end 7");
+        EXPECT_EQ(ReceiveDialPacket(first), std::nullopt);
+        serve(4);
+        second.Reset();
+        serve(5);
+        using Heard = std::vector<std::string>;
+        EXPECT_EQ(heard, (Heard{"", "(hangup)", std::string(longestDialPacket - 5, 'x'), "user", "(gone)"}));
+        FileDescriptor third = ConnectDialSocket(path);
+        socket->Serve();
+        for (int i = 0; i < 10'000; ++i)
+            socket->Print("to one that does not read");
+        EXPECT_FALSE(ConnectDialSocket(directory.path)) << "no simulator there";
+    }
+    EXPECT_FALSE(ConnectDialSocket(path)) << "nor any more";
+    EXPECT_EQ(OpenDescriptors(), before);
+}
+
 TEST(Place, IsReadableAsTheProgramReadsIt) {
     TemporaryDirectory directory;
     const std::string path = directory.path + "/a unit";
     std::string fault;
-    auto place = MakeUnitPlace(path, "", fault);
+    auto place = MakeUnitPlace(path, "", "/x y/pppd", fault);
     ASSERT_TRUE(place) << fault;
     const UnitSettings settings = LoadUnitSettings(place->unitFile);
     EXPECT_TRUE(settings.errors.empty()) << settings.errors.front();
     EXPECT_EQ(settings.root, path + "/flash");
     EXPECT_EQ(settings.driver, DriverKind::Bus);
     EXPECT_EQ(settings.TtyOf("COM7:"), path + "/ttyModem");
+    EXPECT_EQ(settings.dialUp, (std::vector<std::string>{"/x y/pppd", path}));
     EXPECT_EQ(settings.objectPrefix, place->objectPrefix);
     EXPECT_EQ(settings.initialRegistry, path + "/registry.txt");
     struct stat status {};
     ASSERT_EQ(stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777u, 0700u);
 
-    EXPECT_FALSE(MakeUnitPlace(path, "", fault)) << "one simulator a directory";
+    EXPECT_FALSE(MakeUnitPlace(path, "", "/x y/pppd", fault)) << "one simulator a directory";
     EXPECT_EQ(fault, "another simulator runs in " + path);
     place.reset();
-    EXPECT_TRUE(MakeUnitPlace(path, "", fault));
-    EXPECT_FALSE(MakeUnitPlace("/proc/nowhere", "", fault));
-    EXPECT_FALSE(MakeUnitPlace("with\na line end", "", fault));
+    EXPECT_TRUE(MakeUnitPlace(path, "", "/x y/pppd", fault));
+    EXPECT_FALSE(MakeUnitPlace("/proc/nowhere", "", "", fault));
+    EXPECT_FALSE(MakeUnitPlace("with\na line end", "", "", fault));
 }
 
 }  // namespace

@@ -23,6 +23,9 @@ constexpr Step steps[] = {
     {"local  IP address ", RasState::Connected},
 };
 
+// How lines begin that come at every end and do not say why.
+constexpr std::string_view farewells[] = {"Connect time ", "Sent ", "Connection terminated", "Exit."};
+
 constexpr std::string_view peerWords = "remote IP address ";
 
 // By exit code, as pppd's manual lists them.
@@ -104,7 +107,9 @@ std::vector<RasState> PppdProgress::Feed(std::string_view bytes) {
 
 void PppdProgress::TakeLine(std::vector<RasState>& reached) {
     const std::string_view line = Trimmed(m_line);
-    if (line.empty() || line == "Exit.") return;
+    const bool farewell = std::any_of(std::begin(farewells), std::end(farewells),
+                                      [line](std::string_view words) { return line.starts_with(words); });
+    if (line.empty() || farewell) return;
     m_lastWords = line;
     for (const Step& step : steps) {
         if (!line.starts_with(step.words) || step.state <= m_state) continue;

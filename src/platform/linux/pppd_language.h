@@ -29,7 +29,7 @@ class PppdProgress {
 
     // The other end's address as of now, "" while pppd has not told it.
     const std::string& PeerAddress() const { return m_peerAddress; }
-    // The last line that says something, in printable ASCII.
+    // The last line that may say why it ended, in printable ASCII.
     std::string LastWords() const;
 
     static constexpr std::size_t longestLine = 256;
