@@ -93,6 +93,9 @@ void SdlWindow::Run() {
 bool SdlWindow::Open() {
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) return false;
     OnConnectionLost(StayInTheCall);
+    // SDL has no other way to a Wayland window.
+    if (SDL_GetCurrentVideoDriver() == std::string_view("wayland"))
+        SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "1");
     // A device that plays sounds comes and goes with each of them.
     SDL_EventState(SDL_AUDIODEVICEADDED, SDL_IGNORE);
     SDL_EventState(SDL_AUDIODEVICEREMOVED, SDL_IGNORE);
