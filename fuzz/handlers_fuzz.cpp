@@ -5,7 +5,6 @@
 #include "fuzz/input.h"
 #include "session/call_control.h"
 #include "session/message_handling.h"
-#include "session/not_there_yet.h"
 #include "session/signal_watch.h"
 #include "session/sim_card.h"
 #include "tests/support/session_bench.h"
@@ -57,11 +56,11 @@ struct Target {
     Settings settings{bench.registry};
     CATChannel at{bench.runtime, bench.unit, bench.windows, bench.log};
     Session session{bench.platform, state, settings, at, bench.screens};
-    NoDataConnection data{bench.log};
-    Worker worker{bench.runtime, "link"};
     SimCard sim{session};
     CommandTurn turn{bench.runtime, at};
-    SignalWatch signal{session, turn, data, worker};
+    Listeners listeners{bench.windows};
+    DataLink data{session, turn, listeners};
+    SignalWatch signal{session, turn, data};
     PhoneBook book{session, turn};
     SimPhonebook& phonebook = book.Sim();
     OpenWaits waits{bench.runtime};

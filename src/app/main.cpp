@@ -51,7 +51,7 @@ int RunHeadless(const Options& options, LinuxRuntime& runtime, MessageLoop& loop
     Platform platform = linuxPlatform.Services(screens);
     CVarkelDlg dialog(platform, screens,
                       {.countryCode = settings.countryCode, .pingAddresses = settings.pingAddresses});
-    HeadlessCommands commands(dialog, platform.codePage, terminal);
+    HeadlessCommands commands(dialog, platform.windows, platform.codePage, terminal);
     quit = [&dialog] { dialog.Quit(); };
     screens.Start(dialog.State(), [&commands](std::string_view line) { commands.Run(line); });
     dialog.OnInitDialog(options.commandLine, options.logLevel);

@@ -195,7 +195,8 @@ class CATChannel {
     void CountFinalResults(std::string_view text, std::string_view result);
     void ReportPhoneBookResult(bool ok);
     void OnPrompt();
-    void ReportSendResult(bool sent);
+    bool ServesClient() const;
+    void TakeSendResult(bool sent);
 
     Runtime& m_runtime;
     KovexDrvApi& m_driver;

@@ -176,8 +176,7 @@ void CATChannel::OnPrompt() {
     m_log.Trace("[BTNEV]CODE_SENDMS");
     m_promptAwaited = false;
     sendPending.Set(m_runtime.GetTickCount());
-    const bool servesClient = m_handlers.ServesClient && m_handlers.ServesClient(m_owner);
-    if (!servesClient && m_handlers.OnSendState) m_handlers.OnSendState(m_owner, SendState::Sending);
+    if (!ServesClient() && m_handlers.OnSendState) m_handlers.OnSendState(m_owner, SendState::Sending);
     if (m_handlers.OnSendMsSuc) m_handlers.OnSendMsSuc(m_owner);
 }
 
@@ -196,7 +195,7 @@ void CATChannel::OnFinalError() {
     if (m_handlers.OnAtResult) m_handlers.OnAtResult(m_owner, AtResult::Finished);
     if (!m_dialWasServiceCode && dialPending.Take() && m_handlers.OnCallHooked)
         m_handlers.OnCallHooked(m_owner);
-    if (sendPending.Take()) ReportSendResult(false);
+    TakeSendResult(false);
     if (ussdPending.Take() && m_handlers.OnAtResult)
         m_handlers.OnAtResult(m_owner, AtResult::ServiceCodeFailed);
     ReportPhoneBookResult(false);
@@ -209,7 +208,7 @@ void CATChannel::OnFinalOk() {
     }
     if (!m_dialWasServiceCode && hangUpPending.Take() && m_handlers.OnCallHooked)
         m_handlers.OnCallHooked(m_owner);
-    if (sendPending.Take()) ReportSendResult(true);
+    TakeSendResult(true);
     ReportPhoneBookResult(true);
 }
 
@@ -217,8 +216,15 @@ void CATChannel::ReportPhoneBookResult(bool ok) {
     if (phonebookPending.Take() && m_handlers.OnPhoneBookResult) m_handlers.OnPhoneBookResult(m_owner, ok);
 }
 
-void CATChannel::ReportSendResult(bool sent) {
-    if (m_handlers.ServesClient && m_handlers.ServesClient(m_owner)) {
+bool CATChannel::ServesClient() const {
+    return m_handlers.ServesClient && m_handlers.ServesClient(m_owner);
+}
+
+void CATChannel::TakeSendResult(bool sent) {
+    // Once the result is taken, the controller may turn to the next message.
+    const bool servesClient = ServesClient();
+    if (!sendPending.Take()) return;
+    if (servesClient) {
         if (!m_handlers.sendResult) return;
         sent ? m_handlers.sendResult->Set() : m_handlers.sendResult->Reset();
         return;

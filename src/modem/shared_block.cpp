@@ -1,7 +1,11 @@
 #include "modem/shared_block.h"
 
+#include <algorithm>
 #include <cstring>
 #include <span>
+#include <string>
+
+#include "platform/text.h"
 
 namespace varkel {
 
@@ -11,6 +15,14 @@ constexpr const char* mappingName = "SAFE_MEM_DATA_FILE";
 constexpr const char* mutexName = "SAFE_MEM_DATA_FILE MUTEX";
 constexpr const char* responseName = "CGSMData RESP EVENT";
 constexpr Ticks lockTimeout = 5000;
+
+// The rest of the field is filled with NULs.
+template <std::size_t Units>
+void Put(char16_t (&field)[Units], std::string_view text) {
+    const std::u16string units = Utf16FromUtf8(text).substr(0, Units - 1);
+    std::memset(field, 0, sizeof field);
+    std::copy(units.begin(), units.end(), field);
+}
 
 }  // namespace
 
@@ -68,6 +80,20 @@ bool CGSMData::SetWindowHandle(std::uint32_t window) {
 bool CGSMData::SetConnectionStatus(ConnectionStatus status) {
     return Change(
         [status](GsmDataLayout& block) { block.connectionStatus = static_cast<std::uint32_t>(status); });
+}
+
+bool CGSMData::AnswerImsi(std::string_view imsi) {
+    return Change([&](GsmDataLayout& block) {
+        Put(block.imsi, imsi);
+        SignalResponse();
+    });
+}
+
+bool CGSMData::AnswerImei(std::string_view imei) {
+    return Change([&](GsmDataLayout& block) {
+        Put(block.imei, imei);
+        SignalResponse();
+    });
 }
 
 bool CGSMData::Clear() {

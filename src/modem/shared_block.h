@@ -52,7 +52,7 @@ class CSharedBlock {
     Ticks m_lockTimeout;
 };
 
-// The block of this program. Dialog thread.
+// The block of this program. One thread at a time.
 class CGSMData : public CSharedBlock {
   public:
     CGSMData(NamedObjects& objects, Log& log);
@@ -60,6 +60,10 @@ class CGSMData : public CSharedBlock {
     // Each takes the lock, writes and gives it back; false when the block could not be locked or is missing.
     bool SetWindowHandle(std::uint32_t window);
     bool SetConnectionStatus(ConnectionStatus status);
+    // Writes the IMSI or the IMEI, at most 255 UTF-16 units, and signals the response before it gives the
+    // lock back.
+    bool AnswerImsi(std::string_view imsi);
+    bool AnswerImei(std::string_view imei);
     // Forgets the identity and the state of the link, which an earlier run may have left.
     bool Clear();
 

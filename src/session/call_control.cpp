@@ -63,7 +63,7 @@ void CallControl::OnRing(std::string_view text) {
     };
     // What was to be dialled and is not sent yet gives way.
     const bool dialled = m_session.at.OneShotPending();
-    const Ring ring = m_call.With([dialled](Call& call) {
+    const Ring ring = ChangeCall([dialled](Call& call) {
         if (call.established) return Ring{};
         if (!dialled) call.m_bOutgoingCall = call.m_bRedialCall = false;
         call.m_bRinging = true;
@@ -135,7 +135,7 @@ void CallControl::OnCallEstablished() {
         bool acts = false;
         Call before;
     };
-    const Change change = m_call.With([](Call& call) {
+    const Change change = ChangeCall([](Call& call) {
         if (!call.Any() || call.established) return Change{};
         const Call before = call;
         call.established = true;
@@ -195,7 +195,7 @@ void CallControl::OnCallHooked() {
     m_session.platform.log.Trace("[BTNEV]OnCallHooked");
     // An answer that is still awaited is not this call's any more.
     m_session.at.dialPending.Take();
-    const Call ended = m_call.With([](Call& call) { return std::exchange(call, Call{}); });
+    const Call ended = ChangeCall([](Call& call) { return std::exchange(call, Call{}); });
     if (!ended.Any()) return;
     m_session.platform.loop.KillTimer(ringTimer);
     m_worker.Post([this, ended] { Ended(ended); });

@@ -87,6 +87,15 @@ class CallControl {
     template <class SetOneShot, class Send>
     void Request(SetOneShot setOneShot, Send send);
 
+    // Begins or ends a call: the other parts of the session see that there is one.
+    template <class Change>
+    auto ChangeCall(Change change) {
+        return m_call.With([&](Call& call) {
+            auto result = change(call);
+            m_session.state.m_bCallActive = call.Any();
+            return result;
+        });
+    }
     bool MayDial(std::string_view number, DialString& dialled);
     bool BeginDial(std::string_view number, bool Call::*how);
     bool Place(std::string_view number, bool Call::*how);

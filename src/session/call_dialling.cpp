@@ -41,7 +41,7 @@ bool CallControl::MayDial(std::string_view number, DialString& dialled) {
 
 // Takes the line for an outgoing call; `how` is the flag that it is known by.
 bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
-    const bool free = m_call.With([how](Call& call) {
+    const bool free = ChangeCall([how](Call& call) {
         if (call.Any()) return false;
         call.*how = true;
         return true;
@@ -177,7 +177,7 @@ void CallControl::OnServiceCodeFailed() {
 
 void CallControl::EndServiceCode() {
     if (!m_session.at.DialWasServiceCode()) return;
-    const bool ended = m_call.With([](Call& call) {
+    const bool ended = ChangeCall([](Call& call) {
         if (!call.Outgoing() || call.established) return false;
         call.m_bOutgoingCall = call.m_bRedialCall = false;
         return true;

@@ -8,6 +8,7 @@
 
 #include "modem/at_channel.h"
 #include "platform/runtime.h"
+#include "session/open_waits.h"
 
 namespace varkel {
 
@@ -24,6 +25,15 @@ class CommandTurn {
         if (free) send();
         m_taken = false;
         return free;
+    }
+
+    // The same, waiting until it can be sent; false when the waits were cancelled before.
+    template <class Send>
+    [[nodiscard]] bool AwaitQuietly(OpenWaits& waits, Send send) {
+        while (!TryQuietly(send)) {
+            if (!waits.Pause(slice)) return false;
+        }
+        return true;
     }
 
     // For such a request: waits up to a second for the answer to the last command, then lets `send` set its

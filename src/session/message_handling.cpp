@@ -38,8 +38,8 @@ void MessageHandling::OnCpms(std::string_view text) {
     if (m_receiving.OnCpms(text)) Wake();
 }
 
-bool MessageHandling::SendSMDll(std::string_view number, std::string_view text) {
-    const bool queued = m_sending.SendSMDll(number, text);
+bool MessageHandling::SendSMDll(std::string_view number, std::string_view text, Sender sender) {
+    const bool queued = m_sending.SendSMDll(number, text, sender);
     if (queued) Wake();
     return queued;
 }

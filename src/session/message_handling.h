@@ -27,13 +27,15 @@ class MessageHandling {
     void OnSendMsSuc() { m_sending.OnSendMsSuc(); }
     void OnSendState(SendState state) { m_sending.OnSendState(state); }
     void OnSendTip() { m_sending.OnSendTip(); }
+    void ReportFailure(bool toClient) { m_sending.ReportFailure(toClient); }
     // The module is open. Any thread.
     void OnModuleOpened() { Wake(); }
     // It is being shut down. Any thread.
     void OnModuleClosed() { m_receiving.OnModuleClosed(); }
 
     // See MessageSending.
-    bool SendSMDll(std::string_view number, std::string_view text);
+    bool SendSMDll(std::string_view number, std::string_view text, Sender sender = Sender::User);
+    bool ServesClient() const { return m_sending.ServesClient(); }
 
     MessageBoxes& Boxes() { return m_boxes; }
 

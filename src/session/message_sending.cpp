@@ -49,7 +49,13 @@ MessageSending::MessageSending(Session& session, CommandTurn& turn, SignalWatch&
                                Worker& worker)
     : m_session(session), m_turn(turn), m_signal(signal), m_outbox(outbox), m_worker(worker) {}
 
-bool MessageSending::SendSMDll(std::string_view number, std::string_view text) {
+bool MessageSending::SendSMDll(std::string_view number, std::string_view text, Sender sender) {
+    const bool accepted = Accept(number, text, sender);
+    if (!accepted && sender == Sender::Client && m_sent) m_sent->Reset();
+    return accepted;
+}
+
+bool MessageSending::Accept(std::string_view number, std::string_view text, Sender sender) {
     Screens& screens = m_session.screens;
     const CodePage& page = m_session.platform.codePage;
     FixedText<16> destination;
@@ -67,7 +73,8 @@ bool MessageSending::SendSMDll(std::string_view number, std::string_view text) {
     PduText pdu;
     const bool fits =
         EncodeSubmitPdu(page, message, hex) != 0 && PduText::Parse(hex.View(), pdu) == ValueFault::None;
-    const bool queued = fits && Queue(pdu);
+    const bool queued = fits && Queue({pdu, sender});
+    if (fits && !queued && sender == Sender::Client) return false;
     if (!queued) screens.Warn(fits ? WarnCode::Busy : WarnCode::SmsCharacter);
     // Before any result is known: a message that cannot go out stays in the outbox.
     Record(message);
@@ -85,10 +92,11 @@ SmsPduRecord MessageSending::Compose(std::string_view destination, std::string_v
     return message;
 }
 
-bool MessageSending::Queue(const PduText& pdu) {
-    return m_waiting.With([&](std::deque<PduText>& waiting) {
+bool MessageSending::Queue(const Waiting& message) {
+    return m_waiting.With([&](std::deque<Waiting>& waiting) {
         if (waiting.size() >= mostWaiting) return false;
-        waiting.push_back(pdu);
+        waiting.push_back(message);
+        if (message.sender == Sender::Client) m_session.state.m_externalClient = true;
         return true;
     });
 }
@@ -119,21 +127,32 @@ void MessageSending::OnMsCenterNo(std::string_view text) {
 }
 
 bool MessageSending::SendNext() {
-    const auto next = m_waiting.With([](std::deque<PduText>& waiting) -> std::optional<PduText> {
+    const auto next = m_waiting.With([](std::deque<Waiting>& waiting) -> std::optional<Waiting> {
         if (waiting.empty()) return std::nullopt;
-        const PduText first = waiting.front();
+        const Waiting first = waiting.front();
         waiting.pop_front();
         return first;
     });
     if (!next) return false;
-    if (!Send(*next)) {
+    m_sender = next->sender;
+    if (!Send(next->pdu)) {
         m_session.at.AbandonMessage();
-        ReportFailure();
+        ReportFailure(ServesClient());
     }
     m_stage = Stage::Idle;
-    // The result of another program's message shows no tip, whose end would do it.
-    if (m_session.state.m_externalClient) RestartPoll();
+    if (ServesClient()) EndService();
     return true;
+}
+
+// Another program has its result. No tip was shown, whose end would let the poll go on.
+void MessageSending::EndService() {
+    m_sender = Sender::User;
+    m_waiting.With([this](const std::deque<Waiting>& waiting) {
+        m_session.state.m_externalClient =
+            std::any_of(waiting.begin(), waiting.end(),
+                        [](const Waiting& message) { return message.sender == Sender::Client; });
+    });
+    RestartPoll();
 }
 
 // False when it failed and nobody has been told yet.
@@ -177,8 +196,8 @@ bool MessageSending::AwaitResult() {
     return true;
 }
 
-void MessageSending::ReportFailure() {
-    if (m_session.state.m_externalClient) {
+void MessageSending::ReportFailure(bool toClient) {
+    if (toClient) {
         if (m_sent) m_sent->Reset();
         return;
     }

@@ -25,6 +25,9 @@ namespace varkel {
 [[nodiscard]] ValueFault MakeDestination(std::string_view number, std::string_view countryCode,
                                          FixedText<16>& destination);
 
+// On whose behalf a message is sent.
+enum class Sender { User, Client };
+
 class MessageSending {
   public:
     MessageSending(Session& session, CommandTurn& turn, SignalWatch& signal, MessageBox& outbox,
@@ -36,9 +39,12 @@ class MessageSending {
 
     // Sends a message and writes it into the outbox at once; the result shows in the tip. False when it is
     // not sent, and the user has been told why; with a good number it stands in the outbox all the same. Both
-    // texts are UTF-8; a text of more than 121 bytes of the display code page is cut there. Any thread but
-    // the read thread; takes as long as the flash needs.
-    bool SendSMDll(std::string_view number, std::string_view text);
+    // texts are UTF-8; a text of more than 121 bytes of the display code page is cut there. A program learns
+    // the result by its event, and what it sends above the limit leaves no trace. Any thread but the read
+    // thread; takes as long as the flash needs.
+    bool SendSMDll(std::string_view number, std::string_view text, Sender sender = Sender::User);
+    // The message that is being sent is another program's.
+    bool ServesClient() const { return m_sender == Sender::Client; }
 
     // "+CSCA:". Read thread.
     void OnMsCenterNo(std::string_view text);
@@ -50,6 +56,9 @@ class MessageSending {
     // Takes the tip away after a second, and lets the signal poll go on. Any thread.
     void OnSendTip();
 
+    // There is no result, which counts as failed. Any thread.
+    void ReportFailure(bool toClient);
+
     // The worker's turn: sends the next message and waits for its result. False when there is none.
     bool SendNext();
 
@@ -58,14 +67,20 @@ class MessageSending {
   private:
     enum class Stage { Idle, AwaitPrompt, AwaitResult };
 
+    struct Waiting {
+        PduText pdu;
+        Sender sender = Sender::User;
+    };
+
+    bool Accept(std::string_view number, std::string_view text, Sender sender);
     SmsPduRecord Compose(std::string_view destination, std::string_view text) const;
-    bool Queue(const PduText& pdu);
+    bool Queue(const Waiting& message);
     void Record(const SmsPduRecord& message);
     bool Send(const PduText& pdu);
     bool AwaitTurn();
     bool AwaitPrompt();
     bool AwaitResult();
-    void ReportFailure();
+    void EndService();
     void RestartPoll();
 
     Session& m_session;
@@ -76,8 +91,9 @@ class MessageSending {
     std::shared_ptr<Event> m_sent;
 
     Guarded<FixedText<30>> m_center;
-    Guarded<std::deque<PduText>> m_waiting;
+    Guarded<std::deque<Waiting>> m_waiting;
     std::atomic<Stage> m_stage = Stage::Idle;
+    std::atomic<Sender> m_sender = Sender::User;  // of the message that is being sent
 };
 
 }  // namespace varkel

@@ -38,6 +38,8 @@ bool ModuleControl::Start() {
 
 void ModuleControl::Request(Job job) {
     m_jobs.With([job](std::deque<Job>& jobs) {
+        // What waits to be opened is not, when it is to be closed after all.
+        if (job == Job::Close || job == Job::End) std::erase(jobs, Job::Open);
         // The same request twice is one request, so that the queue cannot grow.
         if (std::find(jobs.begin(), jobs.end(), job) == jobs.end()) jobs.push_back(job);
     });
@@ -168,7 +170,7 @@ void ModuleControl::Network_interface_Disconnect() {
     m_parts.signal.Clear();
     state.m_bModuleReady = false;
     state.g_bSimOk = true;
-    m_parts.data.RasHangUp();
+    m_parts.data.ShutDown();
     m_session.at.SetLinkUp(false);
     m_parts.messages.OnModuleClosed();
     m_parts.link.ClosePort();

@@ -35,7 +35,7 @@ ModuleOpen::ModuleOpen(Session& session, const Parts& parts, OpenWaits& waits, v
 bool ModuleOpen::Run() {
     Begin();
     const bool open = FindSim() && PowerOn() && OpenLink() && Greet() && AwaitModule() && m_simUnlock.Run() &&
-                      SearchNetwork() && Initialise() && ChooseAccessPoint();
+                      SearchNetwork() && Initialise() && ChooseAccessPoint() && DialData();
     if (open) Finish();
     return open;
 }
@@ -168,8 +168,12 @@ bool ModuleOpen::ChooseAccessPoint() {
     return false;
 }
 
+bool ModuleOpen::DialData() {
+    if (m_session.state.m_bAutoConnect) m_parts.data.OpenNet(m_waits);
+    return !m_waits.Cancelled();
+}
+
 void ModuleOpen::Finish() {
-    if (m_session.state.m_bAutoConnect) m_parts.data.OpenNet();
     m_session.screens.SetStatusText("");
     m_parts.signal.Start();
     m_session.state.MainScreenMode = ScreenMode::Idle;

@@ -3,7 +3,7 @@
 
 #include "modem/serial_link.h"
 #include "session/call_control.h"
-#include "session/data_connection.h"
+#include "session/data_link.h"
 #include "session/init_sequence.h"
 #include "session/message_handling.h"
 #include "session/open_waits.h"
@@ -25,7 +25,7 @@ class ModuleOpen {
         SignalWatch& signal;
         SimPhonebook& phonebook;
         CallControl& calls;
-        DataConnection& data;
+        DataLink& data;
         MessageHandling& messages;
     };
 
@@ -47,6 +47,7 @@ class ModuleOpen {
     bool Initialise();
     bool RunSteps(std::span<const InitStep> steps);
     bool ChooseAccessPoint();
+    bool DialData();
     void Finish();
 
     bool UsbLinkPresent();

@@ -33,17 +33,17 @@ void OneShotWatch::OnTimer() {
         m_calls.OnCallHooked();
     }
     if (Expired(at.hangUpPending, longestHangUp, "hang-up")) expired = true;
+    const bool servesClient = m_messages.ServesClient();
     if (Expired(at.sendPending, longestResult, "message")) {
         expired = true;
         at.AbandonMessage();
-        m_messages.OnSendState(SendState::Failed);
-        m_messages.OnSendTip();
+        m_messages.ReportFailure(servesClient);
     }
     if (Expired(at.ussdPending, longestResult, "USSD request")) {
         expired = true;
         m_session.screens.Warn(WarnCode::NetOpenFailed);
     }
-    if (expired && m_session.state.MainScreenMode != ScreenMode::Closed) m_signal.Start();
+    if (expired && ModuleReady(m_session)) m_signal.Start();
     if (!at.OneShotPending()) m_session.platform.loop.KillTimer(timer);
 }
 

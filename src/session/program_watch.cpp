@@ -38,6 +38,7 @@ void ProgramWatch::DetectThread() {
             if (m_ending) return;
             m_session.screens.PlaceWindow(WindowPlace::TopMost);
             m_session.state.g_bSilentOpen = false;
+            m_session.state.m_externalClient = false;
             m_program.Set(nullptr);
         }
         m_session.platform.runtime.SuspendThread();

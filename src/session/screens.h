@@ -58,6 +58,8 @@ class Screens {
     virtual void Repaint() = 0;
     virtual void EnableWindow(bool enable) = 0;
     virtual bool IsWindowEnabled() const = 0;
+    // The language has changed: every text is loaded anew.
+    virtual void ReloadTexts() = 0;
     virtual void PlaceWindow(WindowPlace place) = 0;
     // A warning with nothing to choose. One that is on the screen already is not shown again.
     virtual void Warn(WarnCode code) = 0;

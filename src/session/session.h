@@ -32,7 +32,8 @@ struct Session {
 
 // The module is open and can be given commands besides those of opening and closing it. Any thread.
 inline bool ModuleReady(const Session& session) {
-    return session.at.LinkUp() && session.state.MainScreenMode != ScreenMode::Closed;
+    return session.at.LinkUp() && session.state.m_bModuleOpen &&
+           session.state.MainScreenMode != ScreenMode::Closed;
 }
 
 // The dialog thread's timers.

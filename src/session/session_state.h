@@ -26,6 +26,9 @@ enum class SimState : int {
 
 enum class SimPresence { Unknown, Present, Absent };
 
+// How far the data link is.
+enum class DataState { Off, Dialling, Connected };
+
 enum class IdQuery : int { None = 0, Imsi = 1, Imei = 2 };
 
 // Written by the thread that each comment names, read by any.
@@ -63,11 +66,13 @@ struct SessionState {
 
     // Any thread.
     std::atomic<bool> m_bSignalPolling = false;
-    std::atomic<int> m_nLowSignalCount = 0;  // 0..3
-    std::atomic<bool> m_externalClient = false;
-    std::atomic<bool> m_bOpenPending = false;   // opening waits until the window is shown
-    std::atomic<bool> m_bWindowHidden = false;  // left with the module on
-    std::atomic<int> m_nNewMessages = 0;        // since the user last opened the new-message screen
+    std::atomic<int> m_nLowSignalCount = 0;   // 0..3
+    std::atomic<bool> m_bCallActive = false;  // a call rings, is dialled or is up
+    std::atomic<DataState> m_dataState = DataState::Off;
+    std::atomic<bool> m_externalClient = false;  // a message of another program waits for its result
+    std::atomic<bool> m_bOpenPending = false;    // opening waits until the window is shown
+    std::atomic<bool> m_bWindowHidden = false;   // left with the module on
+    std::atomic<int> m_nNewMessages = 0;         // since the user last opened the new-message screen
 
     // Dialog thread, at the start.
     std::atomic<int> m_nDialogType = 1;

@@ -11,7 +11,6 @@ namespace {
 constexpr Ticks pollPeriod = 10'000;
 constexpr Ticks freshAnswer = 2000;  // an answer or command younger than this needs no repeat
 constexpr Ticks repeatPeriod = 500;
-constexpr Ticks redialSettles = 1000;
 constexpr int unknownSignal = 99;
 constexpr int weakBelow = 5;
 constexpr int redialAbove = 7;
@@ -45,11 +44,10 @@ int BroadcastLevel(int value) {
     return value < 21 ? 3 : 4;
 }
 
-SignalWatch::SignalWatch(Session& session, CommandTurn& turn, DataConnection& data, Worker& linkWorker)
+SignalWatch::SignalWatch(Session& session, CommandTurn& turn, DataLink& data)
     : m_session(session),
       m_turn(turn),
       m_data(data),
-      m_linkWorker(linkWorker),
       m_signalMessage(session.platform.windows.RegisterWindowMessage("UM_QX_SIGNALSTAT")) {}
 
 void SignalWatch::OnSignalStatus(std::string_view text) {
@@ -143,22 +141,14 @@ void SignalWatch::StepLevel() {
 
 void SignalWatch::CountWeak() {
     std::atomic<int>& count = m_session.state.m_nLowSignalCount;
-    if (count >= weakPolls || ++count != weakPolls) return;
-    m_linkWorker.Post([this] {
-        m_data.OnPoorSignal();
-        m_linkWorker.Pause(redialSettles);
-    });
+    if (count < weakPolls && ++count == weakPolls) m_data.OnPoorSignal();
 }
 
 void SignalWatch::CountGood() {
     std::atomic<int>& count = m_session.state.m_nLowSignalCount;
     if (count != weakPolls) return;
     count = weakPolls - 1;
-    m_linkWorker.Post([this, &count] {
-        m_data.OpenNet();
-        m_linkWorker.Pause(redialSettles);
-        count = 0;
-    });
+    m_data.OnGoodSignal();
 }
 
 }  // namespace varkel

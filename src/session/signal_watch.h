@@ -5,9 +5,8 @@
 #include <string_view>
 
 #include "session/command_turn.h"
-#include "session/data_connection.h"
+#include "session/data_link.h"
 #include "session/session.h"
-#include "session/worker.h"
 
 namespace varkel {
 
@@ -20,8 +19,7 @@ int BroadcastLevel(int value);
 
 class SignalWatch {
   public:
-    // `linkWorker` carries out what the data link needs time for.
-    SignalWatch(Session& session, CommandTurn& turn, DataConnection& data, Worker& linkWorker);
+    SignalWatch(Session& session, CommandTurn& turn, DataLink& data);
 
     // The answer "+CSQ: rssi,ber". Read thread.
     void OnSignalStatus(std::string_view text);
@@ -44,8 +42,7 @@ class SignalWatch {
 
     Session& m_session;
     CommandTurn& m_turn;
-    DataConnection& m_data;
-    Worker& m_linkWorker;
+    DataLink& m_data;
     const MessageId m_signalMessage;
     std::atomic<bool> m_awaitingAnswer = false;
 };

@@ -36,7 +36,9 @@ void SimCard::OnCpin(std::string_view text) {
     m_session.platform.log.Trace("[BTNEV]enter OnCpin");
     const std::string_view answer = LineBehind(text, "+CPIN:");
     for (std::size_t i = 0; i < simAnswers.size(); ++i) {
-        if (answer == simAnswers[i]) state.m_nCpinState = static_cast<SimState>(i);
+        if (answer != simAnswers[i]) continue;
+        state.m_nCpinState = static_cast<SimState>(i);
+        state.m_simPresence = SimPresence::Present;
     }
     if (answer == "NOT READY") {
         state.m_simPresence = SimPresence::Absent;
@@ -87,6 +89,7 @@ void SimCard::OnIdentity(std::string_view text, IdQuery which) {
     m_session.settings.WriteSimIdentity(which == IdQuery::Imsi ? "IMSI" : "IMEI", value);
     // An answer that comes after its time must not pass for the other one's.
     if (m_session.state.m_nIdQuery == which) m_identityReply->Set();
+    if (m_onIdentity) m_onIdentity(which);
 }
 
 void SimCard::QueryIdentity(IdQuery which) {

@@ -34,17 +34,19 @@ CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens, SessionOptions opti
       m_session{platform, m_state, m_settings, m_at, screens, std::move(options)},
       m_turn(platform.runtime, m_at),
       m_sharedData(platform.objects, platform.log),
-      m_data(platform.log),
       m_phones(m_session, m_turn),
-      m_linkWorker(platform.runtime, "data link"),
       m_sim(m_session),
-      m_signal(m_session, m_turn, m_data, m_linkWorker),
+      m_listeners(platform.windows),
+      m_data(m_session, m_turn, m_listeners),
+      m_signal(m_session, m_turn, m_data),
       m_callLists(platform.files, platform.log),
       m_calls(m_session, m_turn, m_signal, m_phones, m_callLists),
       m_messages(m_session, m_turn, m_calls, m_signal),
       m_oneShots(m_session, m_calls, m_messages, m_signal),
       m_programs(m_session),
       m_speech(m_session),
+      m_unitMessages(m_session, *this),
+      m_requests(m_session, m_turn, m_sharedData, m_sim, m_data, m_listeners, m_messages),
       m_module(m_session, {m_link, m_sim, m_signal, m_phones.Sim(), m_calls, m_data, m_messages}, this,
                &CVarkelDlg::OnSeriesRead, [this] {
                    if (m_background) m_platform.loop.Post([this] { HideOrQuit(); });
@@ -68,7 +70,12 @@ void CVarkelDlg::OnInitDialog(std::string_view commandLine, LogLevel logLevel) {
     m_platform.log.Open(logBase, logLimit, logLevel);
     m_platform.files.CreateDirectory("NandFlash\\System");
     m_platform.files.CreateDirectory("NandFlash\\System\\Phone");
-    m_window = m_platform.windows.CreateWindow("3Gwindow", {});
+    m_window = m_platform.windows.CreateWindow(
+        "3Gwindow", {.onMessage = [this](const WindowMessage& message) { OnWindowMessage(message); },
+                     .onCopyData =
+                         [this](std::uint32_t dwData, std::span<const std::byte> data) {
+                             return m_requests.OnCopyData(dwData, data);
+                         }});
     m_colors = m_settings.LoadColors();
     m_state.m_nDialogType = static_cast<int>(m_settings.ReadDwordOrOne(Settings::dialogTypeKey, "Gprs"));
 
@@ -79,6 +86,7 @@ void CVarkelDlg::OnInitDialog(std::string_view commandLine, LogLevel logLevel) {
     CheckPower();
     if (!m_programs.Start()) m_platform.notices.ShowMessageBox("创建线程失败", "");
     m_calls.Start();
+    m_data.Start();
     CreateNamedEvents();
     ModemHandlers handlers = Handlers();
     handlers.sendResult = m_sendSmSus;
@@ -136,6 +144,11 @@ void CVarkelDlg::ScheduleStart() {
     m_screens.PlaceWindow(m_background ? WindowPlace::ZeroSize : WindowPlace::FullScreen);
 }
 
+void CVarkelDlg::OpenModule() {
+    m_state.m_bOpenPending = false;
+    m_module.RequestOpen();
+}
+
 void CVarkelDlg::Quit() {
     m_module.RequestEnd([this] { m_platform.loop.Quit(); });
 }
@@ -151,6 +164,19 @@ void CVarkelDlg::HideOrQuit() {
     } else {
         Quit();
     }
+}
+
+void CVarkelDlg::ShowWindow() {
+    m_state.m_bWindowHidden = false;
+    m_screens.PlaceWindow(WindowPlace::FullScreen);
+    m_speech.ReadSwitch();
+    // During a call nothing is polled.
+    if (ModuleReady(m_session) && !m_state.m_bCallActive) m_signal.Start();
+    if (m_state.m_bOpenPending) OpenModule();
+}
+
+void CVarkelDlg::OnWindowMessage(const WindowMessage& message) {
+    if (!m_requests.OnMessage(message)) m_unitMessages.OnMessage(message);
 }
 
 void CVarkelDlg::OnSeriesRead(void* owner, std::string_view chunk) {
@@ -188,7 +214,7 @@ ModemHandlers CVarkelDlg::Handlers() {
     to.OnGsn = [](void* o, std::string_view text) { Self(o).m_sim.OnGsn(text); };
     to.OnModelInitComplete = [](void* o, std::string_view) { Self(o).m_state.m_bModelInitComplete = true; };
     to.OnClosePipe = [](void* o) { Self(o).m_module.OnLinkLost(); };
-    to.ServesClient = [](void* o) { return Self(o).m_state.m_externalClient.load(); };
+    to.ServesClient = [](void* o) { return Self(o).m_messages.ServesClient(); };
 
     to.OnRing = [](void* o, std::string_view text) { Self(o).m_calls.OnRing(text); };
     to.OnRingNo = [](void* o, std::string_view text) { Self(o).m_calls.OnRingNo(text); };

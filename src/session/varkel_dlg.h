@@ -7,9 +7,11 @@
 #include "modem/serial_link.h"
 #include "modem/shared_block.h"
 #include "session/call_control.h"
+#include "session/client_requests.h"
+#include "session/data_link.h"
+#include "session/listeners.h"
 #include "session/message_handling.h"
 #include "session/module_control.h"
-#include "session/not_there_yet.h"
 #include "session/one_shot_watch.h"
 #include "session/phone_book.h"
 #include "session/program_watch.h"
@@ -17,7 +19,7 @@
 #include "session/signal_watch.h"
 #include "session/sim_card.h"
 #include "session/speech.h"
-#include "session/worker.h"
+#include "session/unit_messages.h"
 
 namespace varkel {
 
@@ -33,7 +35,7 @@ class CVarkelDlg {
     void OnInitDialog(std::string_view commandLine, LogLevel logLevel);
 
     // What the user and other programs ask for. Any thread; each returns at once.
-    void OpenModule() { m_module.RequestOpen(); }
+    void OpenModule();
     void CloseModule() { m_module.RequestClose(); }
     void CancelOpen() { m_module.CancelOpen(); }
     // Shuts the module down in order and ends the message loop.
@@ -41,11 +43,17 @@ class CVarkelDlg {
 
     // Leaves the screen: hides the window while the module is on, else ends the program. Dialog thread.
     void HideOrQuit();
+    // Comes back to the screen, and opens the module when that was put off until now. Dialog thread.
+    void ShowWindow();
+    // A key that went down, seen before any screen sees it; true when no screen is to see it. Dialog thread.
+    bool OnKey(int code) { return m_unitMessages.OnKey(code); }
 
     CallControl& Calls() { return m_calls; }
     MessageHandling& Messages() { return m_messages; }
     Speech& GetSpeech() { return m_speech; }
     PhoneBook& Phones() { return m_phones; }
+    DataLink& Data() { return m_data; }
+    WindowHandle Window() const { return m_window; }
     SessionState& State() { return m_state; }
     const SkinColors& Colors() const { return m_colors; }
 
@@ -55,6 +63,7 @@ class CVarkelDlg {
     static ModemHandlers Handlers();
     static CVarkelDlg& Self(void* owner) { return *static_cast<CVarkelDlg*>(owner); }
 
+    void OnWindowMessage(const WindowMessage& message);
     void OnAtResult(AtResult result);
     void CheckPower();
     void CreateNamedEvents();
@@ -79,10 +88,10 @@ class CVarkelDlg {
     std::shared_ptr<Event> m_recPhoneBookSus;
     std::shared_ptr<Event> m_simSus;
 
-    NoDataConnection m_data;
     PhoneBook m_phones;
-    Worker m_linkWorker;
     SimCard m_sim;
+    Listeners m_listeners;
+    DataLink m_data;
     SignalWatch m_signal;
     CallLists m_callLists;
     CallControl m_calls;
@@ -90,6 +99,8 @@ class CVarkelDlg {
     OneShotWatch m_oneShots;
     ProgramWatch m_programs;
     Speech m_speech;
+    UnitMessages m_unitMessages;
+    ClientRequests m_requests;
     ModuleControl m_module;
 };
 

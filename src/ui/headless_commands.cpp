@@ -1,5 +1,7 @@
 #include "ui/headless_commands.h"
 
+#include <charconv>
+
 #include "platform/text.h"
 
 namespace varkel {
@@ -59,8 +61,15 @@ const HeadlessCommands::Command HeadlessCommands::commands[] = {
      [](Self& self, std::string_view kind) { self.m_calls.List(kind); }},
     {"delete-call", "N|all", "delete call N of the list shown last, or all of it",
      [](Self& self, std::string_view which) { self.m_calls.Delete(which); }},
+    {"data", "[on|off]", "dial the data link, hang it up, or tell how far it is",
+     [](Self& self, std::string_view what) { self.m_data.Run(what); }},
+    {"test", "", "test the data link", [](Self& self, auto) { self.m_data.Test(); }},
     {"say", "TEXT", "speak it, as the caption of a button",
      [](Self& self, std::string_view text) { self.m_dialog.GetSpeech().Announce(text); }},
+    {"key", "5F|EE", "the key that puts the unit to sleep, or wakes it up",
+     [](Self& self, std::string_view code) { self.Key(code); }},
+    {"post", "MESSAGE [W [L]]", "a window message, by its name or number, as another program posts it",
+     [](Self& self, std::string_view message) { self.Post(message); }},
     {"exit", "", "leave the screen, as its exit cell does",
      [](Self& self, auto) { self.m_dialog.HideOrQuit(); }},
     {"quit", "", "switch the modem off and end", [](Self& self, auto) { self.m_dialog.Quit(); }},
@@ -92,6 +101,32 @@ void HeadlessCommands::Help() {
         line.resize(24, ' ');
         m_terminal.PrintLine(line + command.help);
     }
+}
+
+void HeadlessCommands::Key(std::string_view code) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(code.data(), code.data() + code.size(), number, 16);
+    const bool whole = error == std::errc() && end == code.data() + code.size();
+    if (!whole || !m_dialog.OnKey(number)) m_terminal.PrintLine("[error] not a key of the unit");
+}
+
+void HeadlessCommands::Post(std::string_view text) {
+    const auto next = [&text] {
+        const std::string_view word = text.substr(0, text.find(' '));
+        text = Trimmed(text.substr(word.size()));
+        return word;
+    };
+    const auto number = [](std::string_view word) {
+        int value = 0;
+        return ParseInt(word, value) ? static_cast<std::uint32_t>(value) : 0;
+    };
+    const std::string_view name = next();
+    WindowMessage message{.id = number(name)};
+    if (message.id == 0) message.id = m_windows.RegisterWindowMessage(name);
+    message.wParam = number(next());
+    message.lParam = number(next());
+    if (!m_windows.PostMessage(m_dialog.Window(), message))
+        m_terminal.PrintLine("[error] the window takes no message now");
 }
 
 void HeadlessCommands::Status() {

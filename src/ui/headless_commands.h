@@ -7,6 +7,7 @@
 #include "platform/terminal.h"
 #include "session/varkel_dlg.h"
 #include "ui/headless_calls.h"
+#include "ui/headless_data.h"
 #include "ui/headless_messages.h"
 #include "ui/headless_phone_book.h"
 
@@ -15,12 +16,14 @@ namespace varkel {
 // Dialog thread.
 class HeadlessCommands {
   public:
-    HeadlessCommands(CVarkelDlg& dialog, const CodePage& page, Terminal& terminal)
+    HeadlessCommands(CVarkelDlg& dialog, WindowMessages& windows, const CodePage& page, Terminal& terminal)
         : m_dialog(dialog),
+          m_windows(windows),
           m_terminal(terminal),
           m_messages(dialog, page, terminal),
           m_phones(dialog, terminal),
-          m_calls(dialog, page, terminal) {}
+          m_calls(dialog, page, terminal),
+          m_data(dialog, page, terminal) {}
 
     void Run(std::string_view line);
 
@@ -30,12 +33,16 @@ class HeadlessCommands {
 
     void Help();
     void Status();
+    void Key(std::string_view code);
+    void Post(std::string_view message);
 
     CVarkelDlg& m_dialog;
+    WindowMessages& m_windows;
     Terminal& m_terminal;
     HeadlessMessages m_messages;
     HeadlessPhoneBook m_phones;
     HeadlessCalls m_calls;
+    HeadlessData m_data;
 };
 
 }  // namespace varkel

@@ -36,6 +36,15 @@ const char* ModeText(ScreenMode mode) {
 
 }  // namespace
 
+const char* DataText(DataState state) {
+    switch (state) {
+        case DataState::Off: return "off";
+        case DataState::Dialling: return "dialling";
+        case DataState::Connected: return "connected";
+    }
+    return "";
+}
+
 HeadlessScreens::HeadlessScreens(Runtime& runtime, MessageLoop& loop, Terminal& terminal,
                                  const Language& language)
     : m_runtime(runtime), m_loop(loop), m_terminal(terminal), m_language(language) {}
@@ -67,11 +76,15 @@ void HeadlessScreens::Repaint() {
     if (!m_state) return;
     const ScreenMode mode = m_state->MainScreenMode;
     if (m_mode.exchange(mode) != mode) m_terminal.PrintLine(std::string("[screen] ") + ModeText(mode));
+    const DataState data = m_state->m_dataState;
+    if (m_data.exchange(data) != data) m_terminal.PrintLine(std::string("[data] ") + DataText(data));
 }
 
 void HeadlessScreens::PlaceWindow(WindowPlace place) {
-    if (place == WindowPlace::Hidden) m_terminal.PrintLine("[screen] hidden");
-    if (place == WindowPlace::TopMost) m_terminal.PrintLine("[screen] shown");
+    const bool hidden = place == WindowPlace::Hidden;
+    const bool changed = m_hidden.exchange(hidden) != hidden;
+    if (changed || place == WindowPlace::TopMost)
+        m_terminal.PrintLine(hidden ? "[screen] hidden" : "[screen] shown");
 }
 
 void HeadlessScreens::Warn(WarnCode code) {

@@ -17,6 +17,9 @@
 
 namespace varkel {
 
+// How far the data link is, in a word.
+const char* DataText(DataState state);
+
 // What is shown is a line that begins with its kind in brackets. A question stays open until a line is typed;
 // the newest question gets the line, and without one the line is a command.
 class HeadlessScreens final : public Screens, public Notices {
@@ -35,6 +38,7 @@ class HeadlessScreens final : public Screens, public Notices {
     void Repaint() override;
     void EnableWindow(bool) override {}
     bool IsWindowEnabled() const override { return true; }
+    void ReloadTexts() override {}
     void PlaceWindow(WindowPlace place) override;
     void Warn(WarnCode code) override;
     void ShowIncomingCall(bool show) override;
@@ -86,6 +90,8 @@ class HeadlessScreens final : public Screens, public Notices {
     std::atomic<int> m_signalLevel = -1;
     std::atomic<bool> m_rings = false;
     std::atomic<ScreenMode> m_mode = ScreenMode::Closed;
+    std::atomic<DataState> m_data = DataState::Off;
+    std::atomic<bool> m_hidden = false;
 
     struct LastNotice {
         std::string line;

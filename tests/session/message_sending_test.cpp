@@ -126,13 +126,17 @@ TEST_F(Sending, DoesNothingAtAPromptThatNobodyAwaits) {
 
 TEST_F(Sending, TellsAProgramByTheEventAlone) {
     const auto event = bench.objects.CreateEvent("SendSM_SUS");
-    bench.dialog->State().m_externalClient = true;
+    const auto send = [&] {
+        return bench.dialog->Messages().SendSMDll("13800000000", "hello", Sender::Client);
+    };
     event->Reset();
-    ASSERT_TRUE(Send());
+    ASSERT_TRUE(send());
+    EXPECT_TRUE(bench.dialog->State().m_externalClient);
     bench.RunFor(5000);
+    EXPECT_FALSE(bench.dialog->State().m_externalClient) << "it has its result";
     EXPECT_EQ(event->Wait(0), WaitResult::Object0);
     bench.unit.Command("sms-fail 1");
-    ASSERT_TRUE(Send());
+    ASSERT_TRUE(send());
     bench.RunFor(5000);
     EXPECT_EQ(event->Wait(0), WaitResult::Timeout);
     EXPECT_EQ(Tips(1) + Tips(2) + Tips(3), 0);

@@ -92,7 +92,7 @@ TEST_F(OpenModule, GivesUpTheDataLinkAfterThreeWeakPollsAndDialsAboveSeven) {
     bench.RunFor(20'000);
     EXPECT_EQ(bench.LogContent().rfind("[OpenNet]"), opened) << "7 is not enough";
     bench.unit.Command("signal 8");
-    bench.RunFor(12'000);
+    bench.RunFor(17'000);
     EXPECT_GT(bench.LogContent().rfind("[OpenNet]"), opened);
     EXPECT_EQ(bench.dialog->State().m_nLowSignalCount, 0);
 }
@@ -120,10 +120,10 @@ TEST(OneShotWatchTest, EndsWhatHasNoFinalResult) {
     CATChannel at(bench.runtime, bench.unit, bench.windows, bench.log);
     Session session{bench.platform, state, settings, at, bench.screens};
     bench.log.Open("log", 1 << 20, LogLevel::Debug);
-    NoDataConnection data(bench.log);
-    Worker worker(bench.runtime, "link");
     CommandTurn turn(bench.runtime, at);
-    SignalWatch signal(session, turn, data, worker);
+    Listeners listeners(bench.windows);
+    DataLink data(session, turn, listeners);
+    SignalWatch signal(session, turn, data);
     PhoneBook book(session, turn);
     CallLists lists(bench.files, bench.log);
     CallControl calls(session, turn, signal, book, lists);

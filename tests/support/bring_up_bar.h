@@ -26,7 +26,8 @@ constexpr std::uint64_t BringUpBar(const sim::ModemTimes& module) {
     const std::uint64_t found = simSeen + searched + 1000;
     constexpr std::uint64_t sequence = 200 + 500 + 5 * 200 + 500 + 1000 + 500 + 9 * 300 + 3 * 200 + 1000;
     const std::uint64_t identity = module.simReply + answer + module.reply + answer;
-    return (found + sequence + identity + 200) * 101 / 100;
+    constexpr std::uint64_t dialling = 200 + 1000 + 3000;
+    return (found + sequence + identity + dialling + 200) * 101 / 100;
 }
 
 }  // namespace varkel::test

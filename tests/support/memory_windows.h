@@ -72,6 +72,20 @@ class MemoryWindows final : public WindowMessages {
         return std::nullopt;
     }
 
+    // What another program's SendCopyData comes back with; nothing when there is no such window. Dialog
+    // thread.
+    std::optional<std::uint32_t> CopyData(std::string_view title, std::uint32_t dwData,
+                                          std::span<const std::byte> data) {
+        std::function<std::uint32_t(std::uint32_t, std::span<const std::byte>)> handler;
+        const WindowHandle window = FindWindow(title);
+        {
+            std::lock_guard lock(m_mutex);
+            const auto found = m_windows.find(window);
+            if (found != m_windows.end()) handler = found->second.procedure.onCopyData;
+        }
+        return handler ? std::optional(handler(dwData, data)) : std::nullopt;
+    }
+
     // "NAME wParam lParam" for each message that reached the main window or all windows.
     std::vector<std::string> Posted() {
         std::lock_guard lock(m_mutex);

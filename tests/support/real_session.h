@@ -14,6 +14,7 @@
 #include "tests/support/code_pages.h"
 #include "tests/support/memory_processes.h"
 #include "tests/support/memory_windows.h"
+#include "tests/support/operators.h"
 #include "tests/support/real_unit.h"
 #include "tests/support/recorded_notices.h"
 #include "tests/support/recorded_sound.h"
@@ -26,6 +27,7 @@ namespace varkel::test {
 
 struct RealSession {
     explicit RealSession(unsigned times) : speed(times) {
+        InstallOperators(files);
         dialog = std::make_unique<CVarkelDlg>(platform, screens);
         dialog->OnInitDialog("", LogLevel::Debug);
     }

@@ -13,19 +13,24 @@
 
 namespace varkel::test {
 
-// Reports no state by itself: the test calls Report.
+// Reports no state by itself unless it `connects`: the test calls Report.
 class ScriptedDialUp final : public DialUp {
   public:
     explicit ScriptedDialUp(MessageLoop& loop) : m_loop(loop) {}
 
     RasError RasDial(const RasDialParams& params, std::function<void(RasState)> notifier,
                      RasHandle& handle) override {
-        const std::lock_guard lock(m_mutex);
-        dialled.push_back(params);
-        handle = RasHandle::None;
-        if (refusal != RasError::None) return refusal;
-        handle = m_current = static_cast<RasHandle>(++m_last);
-        m_notifier = std::move(notifier);
+        {
+            const std::lock_guard lock(m_mutex);
+            dialled.push_back(params);
+            handle = RasHandle::None;
+            if (refusal != RasError::None) return refusal;
+            handle = m_current = static_cast<RasHandle>(++m_last);
+            m_notifier = std::move(notifier);
+        }
+        if (!connects) return RasError::None;
+        for (const RasState state : {RasState::OpenPort, RasState::ConnectDevice, RasState::Connected})
+            Report(state);
         return RasError::None;
     }
 
@@ -55,6 +60,7 @@ class ScriptedDialUp final : public DialUp {
     }
 
     RasError refusal = RasError::None;
+    bool connects = false;
     std::vector<RasDialParams> dialled;
     int hangUps = 0;
     std::string peerAddress = "10.64.64.64";

@@ -1,6 +1,7 @@
 // Screens without a picture: what is shown is written down, and a script types the codes.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <deque>
@@ -27,6 +28,7 @@ class ScriptedScreens final : public Screens {
     void Repaint() override {}
     void EnableWindow(bool enable) override { Note(enable ? "enabled" : "disabled"); }
     bool IsWindowEnabled() const override { return true; }
+    void ReloadTexts() override { Note("texts"); }
     void ShowIncomingCall(bool show) override {
         if (show) m_incomingCall = std::chrono::steady_clock::now();
         Note(show ? "incoming call" : "no incoming call");
@@ -84,6 +86,13 @@ class ScriptedScreens final : public Screens {
     int Count(std::string_view text) {
         std::lock_guard lock(m_mutex);
         return static_cast<int>(std::count(m_shown.begin(), m_shown.end(), text));
+    }
+
+    std::string LastSignal() {
+        const std::vector<std::string> shown = Shown();
+        const auto last = std::find_if(shown.rbegin(), shown.rend(),
+                                       [](const std::string& line) { return line.starts_with("signal "); });
+        return last == shown.rend() ? "" : *last;
     }
 
     // When the screen was last ordered, by the clock of the system.

@@ -11,6 +11,7 @@
 #include "tests/support/memory_processes.h"
 #include "tests/support/memory_registry.h"
 #include "tests/support/memory_windows.h"
+#include "tests/support/operators.h"
 #include "tests/support/recorded_notices.h"
 #include "tests/support/recorded_sound.h"
 #include "tests/support/recorded_speech.h"
@@ -24,7 +25,9 @@ namespace varkel::test {
 
 struct SessionBench {
     explicit SessionBench(std::uint64_t seed = 1, const sim::UnitConfig& config = {})
-        : runtime(seed), unit(runtime, serial, config, seed) {}
+        : runtime(seed), unit(runtime, serial, config, seed) {
+        InstallOperators(files);
+    }
 
     // Ends the program in order, if the test has not done so.
     ~SessionBench() {

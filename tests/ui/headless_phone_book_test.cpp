@@ -17,7 +17,7 @@ TEST(HeadlessPhoneBookTest, ListsAddsFindsAndRemoves) {
     ASSERT_TRUE(bench.RunUntilOpenEnds());
     bench.RunFor(1000);
     MemoryTerminal terminal(bench.loop);
-    HeadlessCommands commands(*bench.dialog, bench.codePage, terminal);
+    HeadlessCommands commands(*bench.dialog, bench.windows, bench.codePage, terminal);
     const auto answer = [&](const char* line) {
         commands.Run(line);
         bench.RunFor(3000);
