@@ -196,7 +196,7 @@ TEST_F(SqliteRegistryTest, APowerCutLeavesAnEarlierOrALaterValue) {
         if (written >= 0) cutPower();
     });
     auto registry = Open();
-    while (cuts < 60 && !HasFailure()) {
+    while (cuts < 40 && !HasFailure()) {
         for (int j = 0; j < 60; ++j) {
             ASSERT_TRUE(Set(*registry, "k", std::to_string(j), Bytes(std::string(3000, 'x'))));
             ++written;

@@ -125,8 +125,8 @@ class Life {
         for (int number = static_cast<int>(m_random() % 200); number > 0; --number) {
             m_before["dialcall.msm"] += BytesOf(std::vector{Call(number)});
             m_before["phonebook.msm"] += BytesOf(std::vector{Phone(number)});
-            // As many as the reserve has room for.
-            if (number <= 80) m_before["ISPDest.dat"] += BytesOf(std::vector{Isp(number)});
+            // Fewer, because they are long.
+            if (number <= 20) m_before["ISPDest.dat"] += BytesOf(std::vector{Isp(number)});
         }
         m_before["receivecall.msm"] = std::string(300, 'r');
         if (m_random() % 4 != 0) m_before["reserve~"] = std::string(64 * 1024, '\0');
