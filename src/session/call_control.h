@@ -24,7 +24,7 @@ struct Call {
     bool m_bClipArmed = true;      // the next caller's number is the one of this call
     bool established = false;
     std::string m_strCallNumber;  // the caller's, as reported
-    std::string m_strCallName;    // the one that the phonebooks have for it, or the number
+    std::string m_strCallName;    // the other party: what the phonebooks have for it, or the number
 
     bool Outgoing() const { return m_bOutgoingCall || m_bRedialCall; }
     bool Any() const { return Outgoing() || m_bRinging || established; }
@@ -56,6 +56,15 @@ class CallControl {
     // A call rings, is dialled or is established.
     bool Busy() const {
         return m_call.With([](const Call& call) { return call.Any(); });
+    }
+
+    // One is dialled, and not answered yet.
+    bool Dialling() const {
+        return m_call.With([](const Call& call) { return call.Outgoing() && !call.established; });
+    }
+    // Who is at the other end, by name if it is known; empty without a call.
+    std::string OtherParty() const {
+        return m_call.With([](const Call& call) { return call.m_strCallName; });
     }
 
     // What the user does. Each returns at once; a warning says what is wrong. Any thread but the read thread.

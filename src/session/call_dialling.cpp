@@ -53,6 +53,9 @@ bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
     m_signal.Stop();
     std::string text = m_session.platform.language.LoadString("IDS_CALLING");
     const std::string name = m_book.NameOf(number);
+    m_call.With([&name](Call& call) {
+        if (call.Outgoing()) call.m_strCallName = name;
+    });
     const std::size_t place = text.find("%s");
     text = place == std::string::npos ? text + " " + name : text.replace(place, 2, name);
     m_session.screens.SetStatusText(text);

@@ -25,6 +25,16 @@ bool ProgramWatch::Start() {
     return m_thread != nullptr;
 }
 
+void ProgramWatch::Launch(std::string_view path) {
+    m_session.screens.PlaceWindow(WindowPlace::Hidden);
+    if (auto program = m_session.platform.processes.CreateProcess(path)) {
+        Watch(std::move(program));
+        return;
+    }
+    m_session.platform.notices.ShowMessageBox("Failed to run iexplore.exe!", "");
+    m_session.screens.PlaceWindow(WindowPlace::FullScreen);
+}
+
 void ProgramWatch::Watch(std::shared_ptr<Process> program) {
     m_program.Set(std::move(program));
     if (m_thread) m_thread->ResumeThread();

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <memory>
+#include <string_view>
 
 #include "platform/guarded.h"
 #include "session/session.h"
@@ -16,10 +17,12 @@ class ProgramWatch {
 
     // Creates the detect thread, suspended and of the lowest priority; false when the system refuses.
     bool Start();
-    // The program whose end is to be awaited. Dialog thread.
-    void Watch(std::shared_ptr<Process> program);
+    // Hides the window and starts the program of that device path; the window comes back when it has ended,
+    // and at once, with a message box, when it cannot be started. Dialog thread.
+    void Launch(std::string_view path);
 
   private:
+    void Watch(std::shared_ptr<Process> program);
     void DetectThread();
 
     Session& m_session;

@@ -38,6 +38,7 @@ class CVarkelDlg {
     void OpenModule();
     void CloseModule() { m_module.RequestClose(); }
     void CancelOpen() { m_module.CancelOpen(); }
+    bool Opening() const { return m_module.Opening(); }
     // Shuts the module down in order and ends the message loop.
     void Quit();
 
@@ -51,6 +52,7 @@ class CVarkelDlg {
     CallControl& Calls() { return m_calls; }
     MessageHandling& Messages() { return m_messages; }
     Speech& GetSpeech() { return m_speech; }
+    ProgramWatch& Programs() { return m_programs; }
     PhoneBook& Phones() { return m_phones; }
     DataLink& Data() { return m_data; }
     WindowHandle Window() const { return m_window; }

@@ -74,7 +74,7 @@ Dialog* Desktop::Active() const {
 Dialog* Desktop::DialogAt(Point at) const {
     const auto top = std::find_if(m_stack.rbegin(), m_stack.rend(), [at](const Dialog* dialog) {
         return dialog->IsWindowVisible() &&
-               (dialog->Spec().scope == DialogScope::Everything || dialog->Place().Contains(at));
+               (dialog->Spec().scope == DialogScope::Everything || dialog->Reach().Contains(at));
     });
     return top == m_stack.rend() ? nullptr : *top;
 }

@@ -50,6 +50,8 @@ class Dialog {
     }
 
     const DialogSpec& Spec() const { return m_spec; }
+    // Where a touch belongs to it; may be more than what it draws on.
+    virtual Rect Reach() const { return Place(); }
     const Rect& Place() const { return m_place; }
     // None for a dialog that other programs do not know.
     WindowHandle Window() const { return m_window; }

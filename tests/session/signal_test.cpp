@@ -163,12 +163,12 @@ TEST(ProgramWatchTest, BringsTheWindowBackWhenTheProgramHasEnded) {
     ProgramWatch watch(session);
     ASSERT_TRUE(watch.Start());
     for (int round = 1; round <= 2; ++round) {
-        const auto program = std::make_shared<MemoryProcess>(bench.runtime);
         state.g_bSilentOpen = true;
-        watch.Watch(program);
+        watch.Launch("\\ResidentFlash2\\bin\\IE\\IE.exe");
+        EXPECT_EQ(bench.screens.Count("place 3"), round) << "hidden while the program runs";
         bench.RunFor(5000);
         EXPECT_EQ(bench.screens.Count("place 1"), round - 1);
-        program->TerminateProcess();
+        bench.processes.started.back()->TerminateProcess();
         bench.RunFor(1000);
         EXPECT_EQ(bench.screens.Count("place 1"), round);
         EXPECT_FALSE(state.g_bSilentOpen);
