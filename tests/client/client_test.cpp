@@ -1,7 +1,7 @@
 // varkelctl as a script runs it, against a program that is a double.
+#include <algorithm>
 #include <csignal>
 #include <memory>
-#include <regex>
 #include <sstream>
 #include <unistd.h>
 
@@ -264,12 +264,16 @@ TEST_F(ClientTest, HasEveryCommandInItsManualAndItsCompletion) {
     const std::string help = Run({"--help"}).output;
     const std::string manual = FileContent(VARKEL_DATA_DIRECTORY "/man/varkelctl.1");
     const std::string completion = FileContent(VARKEL_DATA_DIRECTORY "/completions/varkelctl");
+    const char* const fonts[] = {"\n.B ", "\n.BI ", "\n.BI \"", "\n.BR "};
     std::istringstream lines(help.substr(help.find("Subcommands:\n")));
     int commands = 0;
     std::string line;
     for (std::getline(lines, line); std::getline(lines, line) && line.starts_with("  "); ++commands) {
         const std::string command = line.substr(2, line.find(' ', 2) - 2);
-        EXPECT_TRUE(std::regex_search(manual, std::regex("\\n\\.B[IR]? \"?" + command))) << command;
+        const bool described = std::any_of(std::begin(fonts), std::end(fonts), [&](const char* font) {
+            return manual.find(font + command) != std::string::npos;
+        });
+        EXPECT_TRUE(described) << command;
         EXPECT_NE(completion.find(command), std::string::npos) << command;
     }
     EXPECT_GE(commands, 11);

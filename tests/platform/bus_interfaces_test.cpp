@@ -2,13 +2,14 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <optional>
-#include <regex>
+#include <sstream>
 #include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include "platform/linux/bus_kovex_drv.h"
 #include "platform/linux/bus_window_messages.h"
 #include "platform/linux/kovex_drv_export.h"
+#include "platform/text.h"
 #include "tests/platform/dialog_fixture.h"
 #include "tests/platform/private_bus.h"
 
@@ -17,18 +18,20 @@ namespace {
 
 const std::string directory = VARKEL_DATA_DIRECTORY "/dbus/";
 
-std::string Replaced(const std::string& text, const char* pattern, const char* by) {
-    return std::regex_replace(text, std::regex(pattern), by);
-}
-
-// One interface of an introspection, without what is said about it for people.
+// The tags of one interface, a line each, without what is said about it for people.
 std::string Bare(const std::string& xml, const std::string& interface) {
-    const std::size_t begin = xml.find("<interface name=\"" + interface + "\">");
-    if (begin == std::string::npos) return "no " + interface;
-    constexpr std::string_view end = "</interface>";
-    std::string text = xml.substr(begin, xml.find(end, begin) + end.size() - begin);
-    text = Replaced(text, "<annotation name=\"org.gtk.GDBus.DocString\"[^>]*>", "");
-    return Replaced(text, "\\s+<", "\n<");
+    std::istringstream lines(xml);
+    std::string bare;
+    bool inside = false;
+    for (std::string line; std::getline(lines, line);) {
+        const std::string_view tag = Trimmed(line);
+        if (tag == "<interface name=\"" + interface + "\">") inside = true;
+        if (inside && !tag.starts_with("<annotation name=\"org.gtk.GDBus.DocString\""))
+            bare += std::string(tag) + "\n";
+        if (tag == "</interface>") inside = false;
+    }
+    EXPECT_FALSE(bare.empty()) << interface;
+    return bare;
 }
 
 std::string Introspect(Bus& bus, const std::string& destination, const char* path) {
@@ -70,11 +73,14 @@ TEST_F(BusInterfacesTest, AreWhatIsDocumented) {
     }
 }
 
-// The rules of a system bus, and then ours.
+// The rules of a system bus, and then ours, for members of `group`.
 std::string SystemBusPolicy(const std::string& group) {
-    const std::string conf = test::FileContent(directory + "org.varkel.conf");
-    const std::size_t begin = conf.find("<busconfig>") + std::string("<busconfig>").size();
-    const std::string ours = conf.substr(begin, conf.find("</busconfig>") - begin);
+    std::string ours = test::FileContent(directory + "org.varkel.conf");
+    constexpr std::string_view begin = "<busconfig>";
+    ours.erase(0, ours.find(begin) + begin.size());
+    ours.erase(ours.find("</busconfig>"));
+    constexpr std::string_view usual = "group=\"varkel\"";
+    ours.replace(ours.find(usual), usual.size(), "group=\"" + group + "\"");
     return R"(<policy context="default">
         <allow user="*"/> <deny own="*"/> <deny send_type="method_call"/> <allow send_type="signal"/>
         <allow send_requested_reply="true" send_type="method_return"/>
@@ -83,7 +89,7 @@ std::string SystemBusPolicy(const std::string& group) {
         <allow receive_type="error"/> <allow receive_type="signal"/>
         <allow send_destination="org.freedesktop.DBus" send_interface="org.freedesktop.DBus"/>
         </policy>)" +
-           Replaced(ours, "group=\"varkel\"", ("group=\"" + group + "\"").c_str());
+           ours;
 }
 
 TEST_F(BusInterfacesTest, OnASystemBusServeTheGroupAndNobodyElse) {
