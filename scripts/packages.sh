@@ -5,6 +5,7 @@ packages_run="dbus-daemon fontconfig fonts-dejavu-core fonts-droid-fallback"
 packages_check="$packages_run libbenchmark-dev util-linux xvfb"
 packages_run="dbus-daemon"
 packages_check="libbenchmark-dev dbus-daemon util-linux"
+packages_check="$packages_run libbenchmark-dev util-linux xdotool xvfb"
 
 # need_packages NAME...: does nothing, and quickly, when all are there.
 need_packages() {

@@ -47,11 +47,11 @@ struct KeyEvent {
 // What the window's owner does. All run on the dialog thread, from its message loop.
 struct DisplayClient {
     // Draws what lies in `damage`; the canvas is clipped to it.
-    std::function<void(Canvas&, const Rect& damage)> onPaint;
-    std::function<void(const TouchEvent&)> onTouch;
-    std::function<void(const KeyEvent&)> onKey;
+    std::function<void(Canvas&, const Rect& damage)> onPaint = nullptr;
+    std::function<void(const TouchEvent&)> onTouch = nullptr;
+    std::function<void(const KeyEvent&)> onKey = nullptr;
     // The system, not the program, wants the window closed.
-    std::function<void()> onClose;
+    std::function<void()> onClose = nullptr;
 };
 
 // All calls on the dialog thread; none waits for the screen.

@@ -75,7 +75,10 @@ void PaintedDisplay::Handle(const InputEvent& event) {
     const auto client = m_client;
     if (const auto* const touch = std::get_if<TouchEvent>(&event)) {
         // What was touched before it was hidden is still told of the end.
-        if (client->onTouch && (m_shown || touch->action == TouchAction::Up)) client->onTouch(*touch);
+        const bool ends = touch->action == TouchAction::Up;
+        if (ends ? !m_touched : !m_shown) return;
+        if (touch->action != TouchAction::Move) m_touched = !ends;
+        if (client->onTouch) client->onTouch(*touch);
     } else if (const auto* const key = std::get_if<KeyEvent>(&event)) {
         if (client->onKey) client->onKey(*key);
     } else if (client->onClose) {

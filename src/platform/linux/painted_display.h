@@ -47,6 +47,7 @@ class PaintedDisplay : public Display {
     const std::shared_ptr<PaintedDisplay*> m_self;  // posted work finds nobody there afterwards
     Rect m_damage;
     bool m_shown = false;
+    bool m_touched = false;
     bool m_posted = false;
     bool m_painting = false;
 };

@@ -11,8 +11,8 @@
 namespace varkel {
 
 struct SdlDisplayOptions {
-    bool fullScreen = false;  // for a panel of its own
-    ProblemSink onProblem;    // on any thread
+    bool fullScreen = false;          // for a panel of its own
+    ProblemSink onProblem = nullptr;  // on any thread
 };
 
 // One in a program, and made after its SdlSound: SDL's settings are one for all. Dialog thread.
