@@ -118,7 +118,7 @@ std::string Painter::Bmp(Color ground, Color nothing) const {
     Append(file, 24, 2);
     Append(file, 0, 4);  // not compressed
     Append(file, body, 4);
-    Append(file, 0, 16);
+    file.append(16, '\0');  // no resolution, no table of colours
 
     cairo_surface_flush(m_surface);
     const unsigned char* const data = cairo_image_surface_get_data(m_surface);
