@@ -2,14 +2,12 @@
 
 #include "ui/dialog.h"
 #include "ui/fonts.h"
-#include "ui/marked_text.h"
 
 namespace varkel {
 
 CheckBox::CheckBox(Dialog& parent, const CheckSpec& spec)
     : Control(parent, spec.id, spec.rect),
-      m_picture(parent.LoadPicture(spec.picture)),
-      m_checkedPicture(parent.LoadPicture(std::string(spec.picture) + "Sel")),
+      m_pictures(parent, spec.picture),
       m_role(spec.role),
       m_text(parent.LoadText(spec.caption)) {}
 
@@ -23,7 +21,7 @@ void CheckBox::Draw(Canvas& canvas) {
     TextStyle style = StyleOf(m_role, Parent().Colors());
     if (!IsWindowEnabled()) style.color = SkinColors::disabled;
     DrawMarkedText(canvas, Parent().GetDesktop().GetGraphics(), Place(),
-                   m_checked ? m_checkedPicture : m_picture, m_text, style);
+                   m_pictures.Get(m_checked, IsWindowEnabled()), m_text, style);
 }
 
 void CheckBox::AppendTargets(std::vector<TouchTarget>& targets) const {

@@ -5,6 +5,7 @@
 
 #include "ui/control.h"
 #include "ui/dialog_spec.h"
+#include "ui/marked_text.h"
 
 namespace varkel {
 
@@ -25,8 +26,7 @@ class CheckBox final : public Control {
   private:
     void Toggle();
 
-    const Bitmap* m_picture;
-    const Bitmap* m_checkedPicture;
+    MarkPictures m_pictures;
     TextRole m_role;
     std::string m_text;
     bool m_checked = false;

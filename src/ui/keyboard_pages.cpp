@@ -12,20 +12,11 @@ namespace {
 using Action = KeyAction;
 
 constexpr KeyboardKey latin1[] = {
-    {"q"},
-    {"w"},
-    {"eéêèë"},
-    {"r"},
-    {"t"},
-    {"y"},
-    {"uúùûü"},
-    {"iíìîï"},
-    {"oóôõòö"},
-    {"p"},
-    {"", Action::Back, 2},
+    {"q"},     {"w"},     {"eéêèë"},  {"r"}, {"t"},   {"y"},
+    {"uúùûü"}, {"iíìîï"}, {"oóôõòö"}, {"p"}, {"-_'"}, {"", Action::Back},
 };
 constexpr KeyboardKey latin2[] = {
-    {"aáàâãäåæ"}, {"sß"}, {"d"}, {"f"}, {"g"}, {"h"}, {"j"}, {"k"}, {"l"}, {".,"}, {"", Action::Done, 2},
+    {"aáàâãäåæ"}, {"sß"}, {"d"}, {"f"}, {"g"}, {"h"}, {"j"}, {"k"}, {"l"}, {","}, {"."}, {"", Action::Done},
 };
 constexpr KeyboardKey latin3[] = {
     {"", Action::Shift},
@@ -53,24 +44,15 @@ constexpr KeyboardKey cyrillic3[] = {
 };
 
 constexpr KeyboardKey symbols1[] = {
-    {"1"}, {"2"}, {"3"}, {"4"}, {"5"}, {"6"}, {"7"}, {"8"}, {"9"}, {"0"}, {"", Action::Back, 2},
+    {"1"}, {"2"}, {"3"}, {"4"}, {"5"}, {"6"}, {"7"}, {"8"}, {"9"}, {"0"}, {"@"}, {"", Action::Back},
 };
 constexpr KeyboardKey symbols2[] = {
-    {"+="},
-    {"-_~"},
-    {"*×"},
-    {"#№"},
-    {"([{<"},
-    {")]}>"},
-    {"/\\|"},
-    {":;"},
-    {"."},
-    {","},
-    {"", Action::Done, 2},
+    {"+="},   {"-_~"}, {"*×"}, {"#№"}, {"([{<"}, {")]}>"},
+    {"/\\|"}, {":;"},  {"&%"}, {","},  {"."},    {"", Action::Done},
 };
 constexpr KeyboardKey symbols3[] = {
-    {"", Action::Latin},    {"!¡"}, {"?¿"}, {"'`"}, {"\"«»"}, {"@"}, {"&%"}, {"$€£¥"}, {" ", Action::Type, 3},
-    {"", Action::Cyrillic},
+    {"", Action::Latin},       {"!¡"}, {"?¿"}, {"'`"}, {"\"«»"}, {"$€£¥"}, {" ", Action::Type, 4},
+    {"", Action::Cyrillic, 2},
 };
 
 template <std::size_t Count>

@@ -13,7 +13,6 @@ namespace {
 
 constexpr int dragFrom = 12;  // pixels that a finger may tremble
 constexpr int margin = 16;
-constexpr int noteWidth = 220;
 constexpr auto lineFormat = TextFormat::VCenter | TextFormat::SingleLine | TextFormat::EndEllipsis;
 
 }  // namespace
@@ -74,12 +73,12 @@ void ListBox::DrawRow(Canvas& canvas, int row) const {
     const Rect place = PlaceOf(row);
     const bool selected = row == m_selected;
     if (selected) canvas.FillRect(place, palette.pressed);
-    canvas.FillRect({place.x + margin, place.Bottom() - 1, place.width - 2 * margin, 1}, palette.edge);
+    canvas.FillRect({place.x + margin, place.Bottom() - 1, place.width - 2 * margin, 1}, palette.line);
 
     TextStyle text = StyleOf(TextRole::Body, Parent().Colors());
     TextStyle small = StyleOf(TextRole::Secondary, Parent().Colors());
     if (content.emphasised) text.color = palette.accent;
-    if (selected) text.color = small.color = palette.pressedText;
+    if (selected) text.color = small.color = palette.onPressed;
 
     Rect left{place.x + margin, place.y, place.width - 2 * margin, place.height};
     if (content.picture) {
@@ -90,19 +89,23 @@ void ListBox::DrawRow(Canvas& canvas, int row) const {
         left.x += size.width + margin;
         left.width -= size.width + margin;
     }
-    if (!content.note.empty()) {
-        const Rect note{left.Right() - noteWidth, place.y, noteWidth, place.height};
-        canvas.DrawText(content.note, note, lineFormat | TextFormat::Right, small.font, small.color);
-        left.width -= noteWidth + margin;
-    }
+    // Two lines are set close to each other, with room above and below them.
     const bool twoLines = !content.detail.empty();
+    const int split = twoLines ? place.height * 7 / 12 : place.height;
+    const int top = twoLines ? place.y + place.height / 14 : place.y;
+    Rect first{left.x, top, left.width, split - (top - place.y)};
+    if (!content.note.empty()) {
+        const int width = std::min(
+            Parent().GetDesktop().GetGraphics().MeasureText(content.note, small.font).width, left.width / 2);
+        canvas.DrawText(content.note, {first.Right() - width, first.y, width, first.height}, lineFormat,
+                        small.font, small.color);
+        first.width -= width + margin;
+    }
     const TextFormat side = Parent().GetDesktop().ReadsRightToLeft() ? TextFormat::Right : TextFormat::Left;
-    const int split = twoLines ? place.height * 4 / 7 : place.height;
-    canvas.DrawText(content.text, {left.x, left.y, left.width, split}, lineFormat | side, text.font,
-                    text.color);
+    canvas.DrawText(content.text, first, lineFormat | side, text.font, text.color);
     if (!twoLines) return;
-    canvas.DrawText(content.detail, {left.x, left.y + split, left.width, place.height - split - 4},
-                    lineFormat | side, small.font, small.color);
+    const Rect second{left.x, place.y + split, left.width, place.height - split - place.height / 14};
+    canvas.DrawText(content.detail, second, lineFormat | side, small.font, small.color);
 }
 
 void ListBox::AppendTargets(std::vector<TouchTarget>& targets) const {

@@ -1,7 +1,6 @@
 // A picture with a text beside it, as radio items and check boxes are.
 #pragma once
 
-#include <algorithm>
 #include <string_view>
 
 #include "platform/canvas.h"
@@ -9,22 +8,22 @@
 
 namespace varkel {
 
-inline void DrawMarkedText(Canvas& canvas, Graphics& graphics, const Rect& place, const Bitmap* mark,
-                           std::string_view text, const TextStyle& style) {
-    constexpr int gap = 10;
-    int left = place.x;
-    if (mark) {
-        // As high as the place at most: an item may be lower than its picture.
-        const Size size = mark->GetSize();
-        const int height = std::min(size.height, place.height);
-        const int width = size.height > 0 ? size.width * height / size.height : 0;
-        canvas.StretchBlt(*mark, {left, place.y + (place.height - height) / 2, width, height});
-        left += width + gap;
-    }
-    const Rect box{left, place.y, place.Right() - left, place.height};
-    const LogFont font = FittingFont(graphics, text, style.font, {box.width, box.height}, false);
-    canvas.DrawText(text, box, TextFormat::VCenter | TextFormat::SingleLine | TextFormat::EndEllipsis, font,
-                    style.color);
-}
+class Dialog;
+
+// The four pictures of a mark. A skin without disabled ones shows the others.
+class MarkPictures {
+  public:
+    // "Check" stands for "Check", "CheckSel", "CheckDisable" and "CheckSelDisable"; "Radio1" for "Radio1" and
+    // "RadioSel1".
+    MarkPictures(Dialog& parent, std::string_view name);
+    const Bitmap* Get(bool selected, bool enabled) const;
+
+  private:
+    const Bitmap* m_pictures[2][2]{};  // by selected, disabled
+};
+
+// The mark is as high as the place at most; null = there is none.
+void DrawMarkedText(Canvas& canvas, Graphics& graphics, const Rect& place, const Bitmap* mark,
+                    std::string_view text, const TextStyle& style);
 
 }  // namespace varkel

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "ui/dialog.h"
-#include "ui/skin_button.h"
 #include "ui/static_text.h"
 
 namespace varkel {
@@ -11,24 +10,24 @@ namespace varkel {
 namespace {
 
 constexpr Ticks boxLook = 100;  // how soon a box sees that it is to close
-constexpr int captionId = 10;
 constexpr int textId = 11;
 
 constexpr TextSpec texts[] = {
-    {captionId, {20, 12, 440, 40}, "", TextRole::Secondary},
     {textId,
-     {24, 52, 432, 112},
+     {20, 70, 480, 110},
      "",
      TextRole::Body,
      TextFormat::Center | TextFormat::VCenter | TextFormat::WordBreak},
 };
 
 constexpr ButtonSpec buttons[] = {
-    {.id = idOk, .rect = {140, 172, 200, 72}, .caption = "OK"},
+    {idOk, {170, 188, 180, 80}, "BoxOk"},
 };
 
 constexpr DialogSpec spec{
-    .rect = {160, 110, 480, 260},
+    .rect = {140, 100, 520, 280},
+    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
+    .background = "BoxBack",
     .texts = texts,
     .buttons = buttons,
     .escapeClicks = idOk,
@@ -39,28 +38,17 @@ constexpr DialogSpec spec{
 class MessageBoxes::Box final : public Dialog {
   public:
     Box(Desktop& desktop, const Question& question)
-        : Dialog(desktop, spec), m_text(question.text), m_caption(question.caption) {}
+        : Dialog(desktop, spec),
+          m_text(question.caption.empty() ? question.text : question.caption + "\n" + question.text) {}
 
   private:
     void OnInitDialog() override {
-        const Palette& palette = GetDesktop().Colors();
         auto& text = Get<StaticText>(textId);
         text.SetWindowText(m_text);
-        text.SetTextColor(palette.text);
-        auto& caption = Get<StaticText>(captionId);
-        caption.SetWindowText(m_caption);
-        caption.SetTextColor(palette.secondary);
-        Get<CSkinButton>(idOk).SetFont(DialogFont(28));
-    }
-
-    void OnPaint(Canvas& canvas) override {
-        const Palette& palette = GetDesktop().Colors();
-        canvas.FillRect(Place(), palette.edge);
-        canvas.FillRect(Place().Inset(2), palette.background);
+        text.SetTextColor(GetDesktop().Colors().text);
     }
 
     std::string m_text;
-    std::string m_caption;
 };
 
 MessageBoxes::MessageBoxes(Runtime& runtime, Desktop& desktop)

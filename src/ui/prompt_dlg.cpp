@@ -10,7 +10,7 @@ constexpr int textId = 1065;
 
 constexpr TextSpec texts[] = {
     {textId,
-     {20, 40, 260, 160},
+     {10, 90, 280, 140},
      "",
      TextRole::Body,
      TextFormat::Center | TextFormat::VCenter | TextFormat::WordBreak},

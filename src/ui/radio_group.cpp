@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "ui/dialog.h"
-#include "ui/marked_text.h"
 
 namespace varkel {
 
@@ -11,11 +10,7 @@ RadioGroup::RadioGroup(Dialog& parent, const RadioSpec& spec)
     : Control(parent, spec.id, spec.rect),
       m_item(spec.item),
       m_look(spec.look),
-      m_picture(parent.LoadPicture(spec.picture)),
-      m_selectedPicture(
-          parent.LoadPicture(spec.look == RadioLook::Tab && spec.picture.ends_with('1')
-                                 ? std::string(spec.picture.substr(0, spec.picture.size() - 1)) + "Sel1"
-                                 : std::string(spec.picture) + "Sel")),
+      m_pictures(parent, spec.picture),
       m_style(StyleOf(spec.role, parent.Colors())) {
     for (const std::string_view caption : spec.captions)
         m_texts.push_back(parent.LoadText(caption));
@@ -60,18 +55,22 @@ void RadioGroup::Draw(Canvas& canvas) {
 
 void RadioGroup::DrawItem(Canvas& canvas, int item) const {
     Graphics& graphics = Parent().GetDesktop().GetGraphics();
-    const Rect place = PlaceOf(item);
+    Rect place = PlaceOf(item);
     const std::string& text = m_texts[static_cast<std::size_t>(item)];
     const bool selected = item == m_selected;
-    const Bitmap* const picture = selected ? m_selectedPicture : m_picture;
+    const Bitmap* const picture = m_pictures.Get(selected, IsWindowEnabled());
     TextStyle style = m_style;
     if (!IsWindowEnabled()) style.color = SkinColors::disabled;
     if (m_look == RadioLook::Mark) {
         DrawMarkedText(canvas, graphics, place, picture, text, style);
         return;
     }
-    if (picture) canvas.StretchBlt(*picture, place);
-    if (selected) style.color = Parent().GetDesktop().Colors().pressedText;
+    if (picture) {
+        // A narrower picture leaves a gap to the next item.
+        place.width = std::min(place.width, picture->GetSize().width);
+        canvas.StretchBlt(*picture, place);
+    }
+    if (selected) style.color = Parent().GetDesktop().Colors().onPressed;
     const LogFont font = FittingFont(graphics, text, style.font, {place.width - 8, place.height}, false);
     canvas.DrawText(text, place, TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine, font,
                     style.color);

@@ -7,6 +7,7 @@
 
 #include "ui/control.h"
 #include "ui/dialog_spec.h"
+#include "ui/marked_text.h"
 
 namespace varkel {
 
@@ -34,8 +35,7 @@ class RadioGroup final : public Control {
 
     Size m_item;
     RadioLook m_look;
-    const Bitmap* m_picture;
-    const Bitmap* m_selectedPicture;
+    MarkPictures m_pictures;
     TextStyle m_style;
     std::vector<std::string> m_texts;
     int m_selected = 0;

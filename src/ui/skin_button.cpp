@@ -11,6 +11,7 @@ namespace {
 
 constexpr unsigned stateMask = 21;
 constexpr int margin = 4;   // between caption and edge
+constexpr int frame = 3;    // around the one that keys go to
 constexpr int radius = 12;  // of a plain button
 constexpr auto captionFormat = TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine;
 
@@ -39,8 +40,10 @@ CSkinButton::CSkinButton(Dialog& parent, const ButtonSpec& spec)
                parent.LoadPicture(Suffixed(spec.picture, SuffixOf(spec.disabled))));
     }
     const TextStyle style = StyleOf(spec.role, parent.Colors());
-    SetTextColors(style.color, parent.GetDesktop().Colors().pressedText);
+    SetTextColors(style.color, parent.GetDesktop().Colors().onPressed);
     SetTextOffset(spec.textOffset);
+    // The pressed picture with the plain colour on it can be hard to read: a frame shows the focus instead.
+    SetKeepNormalWhenFocused(true);
     SetFont(style.font);
 }
 
@@ -111,13 +114,23 @@ void CSkinButton::DrawItem(Canvas& canvas, ItemState state) const {
 void CSkinButton::DrawPlain(Canvas& canvas, bool pressed) const {
     const Palette& colors = Parent().GetDesktop().Colors();
     canvas.RoundRect(Place(), radius, pressed ? colors.pressed : colors.tile, colors.edge, 1.5);
-    const ColorRef enabled = pressed ? colors.pressedText : colors.text;
+    const ColorRef enabled = pressed ? colors.onPressed : colors.text;
     canvas.DrawText(m_text, Place(), captionFormat, m_fitted, IsWindowEnabled() ? enabled : colors.disabled);
+}
+
+void CSkinButton::DrawFrame(Canvas& canvas) const {
+    const ColorRef color = Parent().GetDesktop().Colors().accent;
+    const Rect& at = Place();
+    canvas.FillRect({at.x, at.y, at.width, frame}, color);
+    canvas.FillRect({at.x, at.Bottom() - frame, at.width, frame}, color);
+    canvas.FillRect({at.x, at.y, frame, at.height}, color);
+    canvas.FillRect({at.Right() - frame, at.y, frame, at.height}, color);
 }
 
 void CSkinButton::Draw(Canvas& canvas) {
     if (!m_ownerDrawn) {
-        DrawPlain(canvas, m_pressed || HasFocus());
+        DrawPlain(canvas, m_pressed);
+        if (HasFocus()) DrawFrame(canvas);
         return;
     }
     ItemState state = ItemState::Normal;
@@ -126,6 +139,7 @@ void CSkinButton::Draw(Canvas& canvas) {
     if (HasFocus()) state = state | ItemState::Focus;
     if (!IsWindowEnabled()) state = ItemState::Disabled;
     DrawItem(canvas, state);
+    if (HasFocus()) DrawFrame(canvas);
 }
 
 void CSkinButton::AppendTargets(std::vector<TouchTarget>& targets) const {

@@ -52,6 +52,7 @@ class CSkinButton final : public Control {
   private:
     void SetPressed(bool pressed);
     void FitFont();
+    void DrawFrame(Canvas& canvas) const;
     void DrawPlain(Canvas& canvas, bool pressed) const;
 
     const Bitmap* m_normal = nullptr;

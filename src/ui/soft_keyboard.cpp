@@ -12,23 +12,35 @@ namespace {
 constexpr int holdTimer = 1;
 constexpr Rect dockedUp{1, 1, 798, 194};
 constexpr Rect dockedDown{1, 285, 798, 194};
-constexpr DialogSpec spec{.rect = dockedDown, .scope = DialogScope::OwnPlace};
+constexpr DialogSpec spec{
+    .rect = dockedDown,
+    .directory = "\\ResidentFlash2\\bin\\Gprs\\Sip\\",
+    .scope = DialogScope::OwnPlace,
+};
+constexpr std::string_view pictures[] = {"Key",       "Function", "FunctionWide", "Shift",
+                                         "ShiftLock", "Space",    "Backspace",    "Done"};
 
-constexpr int radius = 8;
-constexpr int gap = 2;  // around the picture of a key
 constexpr auto centred = TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine;
 
-const char* LabelOf(KeyAction action) {
-    switch (action) {
-        case KeyAction::Shift: return "\u21E7";
-        case KeyAction::Back: return "\u232B";
-        case KeyAction::Done: return "OK";
-        case KeyAction::Latin: return "ABC";
-        case KeyAction::Cyrillic: return "АБВ";
-        case KeyAction::Symbols: return "123";
-        case KeyAction::Type: return "";
-    }
-    return "";
+// The pictures of the keys that have one of their own, and the labels of those that change the page.
+struct FunctionKey {
+    KeyAction action;
+    std::string_view picture;
+    std::string_view label;
+};
+constexpr FunctionKey functionKeys[] = {
+    {KeyAction::Shift, "Shift", ""},
+    {KeyAction::Back, "Backspace", ""},
+    {KeyAction::Done, "Done", ""},
+    {KeyAction::Latin, "Function", "ABC"},
+    {KeyAction::Cyrillic, "Function", "АБВ"},
+    {KeyAction::Symbols, "Function", "123"},
+};
+
+const FunctionKey* FunctionOf(KeyAction action) {
+    const auto found = std::find_if(std::begin(functionKeys), std::end(functionKeys),
+                                    [action](const FunctionKey& key) { return key.action == action; });
+    return found == std::end(functionKeys) ? nullptr : found;
 }
 
 int Covered(const Rect& dock, const Rect& field) {
@@ -90,8 +102,9 @@ void SoftKeyboard::ShowPage(KeyboardPage page) {
 void SoftKeyboard::PlaceKeys() {
     m_keys.clear();
     const auto rows = RowsOf(m_page);
-    const auto left = [this](int column) { return Place().x + Place().width * column / keyboardColumns; };
-    const auto top = [this](int row) { return Place().y + Place().height * row / keyboardRows; };
+    const Rect inside = Place().Inset(1);
+    const auto left = [&inside](int column) { return inside.x + inside.width * column / keyboardColumns; };
+    const auto top = [&inside](int row) { return inside.y + inside.height * row / keyboardRows; };
     for (int row = 0; row < keyboardRows; ++row) {
         int column = 0;
         for (const KeyboardKey& key : rows[static_cast<std::size_t>(row)]) {
@@ -123,6 +136,15 @@ Rect SoftKeyboard::PlaceOf(KeyAction action) const {
     return found == m_keys.end() ? Rect{} : found->place;
 }
 
+void SoftKeyboard::OnInitDialog() {
+    for (const std::string_view picture : pictures) {
+        for (const char* state : {"", "Sel"}) {
+            const std::string name = std::string(picture) + state;
+            m_pictures[name] = LoadPicture(name);
+        }
+    }
+}
+
 void SoftKeyboard::OnPaint(Canvas& canvas) {
     canvas.FillRect(Place(), GetDesktop().Colors().bar);
     for (std::size_t i = 0; i < m_keys.size(); ++i)
@@ -130,26 +152,27 @@ void SoftKeyboard::OnPaint(Canvas& canvas) {
 }
 
 void SoftKeyboard::DrawKey(Canvas& canvas, const PlacedKey& key, bool pressed) const {
+    const bool lit = pressed || (key.key.action == KeyAction::Shift && m_shift != Shift::Off);
+    if (const Bitmap* const picture = PictureOf(key.key, lit)) canvas.StretchBlt(*picture, key.place);
     const Palette& palette = GetDesktop().Colors();
-    const KeyAction action = key.key.action;
-    const bool lit = pressed || (action == KeyAction::Shift && m_shift != Shift::Off);
-    ColorRef fill = action == KeyAction::Type ? palette.tile : palette.background;
-    if (action == KeyAction::Done) fill = palette.answer;
-    if (lit) fill = palette.pressed;
-    const ColorRef color = lit || action == KeyAction::Done ? palette.pressedText : palette.text;
-    const Rect place = key.place.Inset(gap);
-    canvas.RoundRect(place, radius, fill, palette.edge, 1);
-    const int height = action == KeyAction::Type ? 32 : 24;
-    canvas.DrawText(LabelOf(key, pressed), place, centred, {"SimSun & NSimSun", height, 400}, color);
-    if (action == KeyAction::Shift && m_shift == Shift::Locked) {
-        canvas.FillRect({place.x + place.width / 4, place.Bottom() - 8, place.width / 2, 3}, color);
-    }
+    const LogFont font{"SimSun & NSimSun", key.key.action == KeyAction::Type ? 36 : 26, 400};
+    canvas.DrawText(LabelOf(key, pressed), key.place, centred, font, lit ? palette.onPressed : palette.text);
+}
+
+const Bitmap* SoftKeyboard::PictureOf(const KeyboardKey& key, bool lit) const {
+    std::string name = "Key";
+    if (const FunctionKey* const function = FunctionOf(key.action)) name = function->picture;
+    if (key.types == " " && key.columns > 1) name = "Space";
+    if (key.action == KeyAction::Shift && m_shift == Shift::Locked) name = "ShiftLock";
+    if (name == "Function" && key.columns > 1) name += "Wide";
+    const auto found = m_pictures.find(lit ? name + "Sel" : name);
+    return found == m_pictures.end() ? nullptr : found->second;
 }
 
 std::string SoftKeyboard::LabelOf(const PlacedKey& key, bool pressed) const {
-    if (key.key.action != KeyAction::Type) return varkel::LabelOf(key.key.action);
-    if (key.key.types == " ") return "\u2423";
-    return Typed(key.key, pressed ? m_held : 0);
+    if (const FunctionKey* const function = FunctionOf(key.key.action)) return std::string(function->label);
+    if (key.key.types != " ") return Typed(key.key, pressed ? m_held : 0);
+    return key.key.columns > 1 ? "" : "\u2423";
 }
 
 std::string SoftKeyboard::Typed(const KeyboardKey& key, int step) const {

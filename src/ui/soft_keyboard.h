@@ -2,6 +2,7 @@
 // is edited, and types into that field. Dialog thread.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -38,12 +39,14 @@ class SoftKeyboard final : public Dialog {
     };
     enum class Shift { Off, Once, Locked };
 
+    void OnInitDialog() override;
     void OnPaint(Canvas& canvas) override;
     void OnTouch(const TouchEvent& event) override;
     void CancelPress();
     void ShowPage(KeyboardPage page);
     void PlaceKeys();
     void DrawKey(Canvas& canvas, const PlacedKey& key, bool pressed) const;
+    const Bitmap* PictureOf(const KeyboardKey& key, bool lit) const;
     std::string LabelOf(const PlacedKey& key, bool pressed) const;
     std::string Typed(const KeyboardKey& key, int step) const;
     int KeyAt(Point at) const;
@@ -57,6 +60,7 @@ class SoftKeyboard final : public Dialog {
     KeyboardPage m_page = KeyboardPage::Latin;
     Shift m_shift = Shift::Off;
     std::vector<PlacedKey> m_keys;
+    std::map<std::string, const Bitmap*> m_pictures;
     int m_pressed = -1;
     int m_held = 0;  // steps
 };

@@ -8,7 +8,7 @@ namespace varkel {
 namespace {
 
 constexpr ColorRef white = 0xFFFFFF;
-constexpr ColorRef black = 0x000000;
+constexpr int labelMargin = 8;
 
 }  // namespace
 
@@ -19,7 +19,7 @@ StaticText::StaticText(Dialog& parent, const TextSpec& spec)
       m_text(parent.LoadText(spec.caption)) {
     const TextStyle style = StyleOf(spec.role, parent.Colors());
     m_font = style.font;
-    m_color = m_whiteGround ? black : style.color;
+    m_color = m_whiteGround ? parent.GetDesktop().Colors().onLabel : style.color;
     const bool placed = Has(m_format, TextFormat::Center) || Has(m_format, TextFormat::Right);
     if (!placed && parent.GetDesktop().ReadsRightToLeft()) m_format = m_format | TextFormat::Right;
 }
@@ -41,11 +41,16 @@ void StaticText::SetTextColor(ColorRef color) {
 }
 
 void StaticText::Draw(Canvas& canvas) {
-    if (m_whiteGround) canvas.FillRect(Place(), white);
+    Rect box = Place();
+    if (m_whiteGround) {
+        canvas.FillRect(box, white);
+        box.x += labelMargin;
+        box.width -= 2 * labelMargin;
+    }
     const bool breaks = Has(m_format, TextFormat::WordBreak);
-    const LogFont font = FittingFont(Parent().GetDesktop().GetGraphics(), m_text, m_font,
-                                     {Place().width, Place().height}, breaks);
-    canvas.DrawText(m_text, Place(), breaks ? m_format : m_format | TextFormat::EndEllipsis, font, m_color);
+    const LogFont font =
+        FittingFont(Parent().GetDesktop().GetGraphics(), m_text, m_font, {box.width, box.height}, breaks);
+    canvas.DrawText(m_text, box, breaks ? m_format : m_format | TextFormat::EndEllipsis, font, m_color);
 }
 
 }  // namespace varkel

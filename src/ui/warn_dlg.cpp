@@ -79,6 +79,11 @@ void CWarnDlg::LayOutButtons() {
     if (m_mode == WarnButtonMode::OkCancel) ok.MoveWindow({40, 205, 60, 32});
 }
 
+void CWarnDlg::OnPaint(Canvas& canvas) {
+    const Bitmap* const panel = m_wantDeleteChoice ? LoadPicture("DeleteChoice") : nullptr;
+    if (panel) canvas.BitBlt(*panel, {Place().x + 5, Place().y + 150});
+}
+
 void CWarnDlg::OnTouch(const TouchEvent& event) {
     if (m_mode == WarnButtonMode::None && event.action == TouchAction::Up) EndDialog(DialogResult::Cancel);
 }

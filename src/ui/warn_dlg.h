@@ -26,6 +26,7 @@ class CWarnDlg final : public Dialog {
 
   private:
     void OnInitDialog() override;
+    void OnPaint(Canvas& canvas) override;
     void OnTouch(const TouchEvent& event) override;
     bool OnKey(const KeyEvent& event) override;
     void LayOutButtons();

@@ -1,0 +1,45 @@
+#include "ui/marked_text.h"
+
+#include <algorithm>
+#include <string>
+
+#include "ui/dialog.h"
+
+namespace varkel {
+
+MarkPictures::MarkPictures(Dialog& parent, std::string_view name) {
+    // A number at the end of the name stays there.
+    const std::size_t letters = name.find_last_not_of("0123456789") + 1;
+    const std::string_view number = name.substr(letters);
+    for (const bool selected : {false, true}) {
+        for (const bool disabled : {false, true}) {
+            std::string file(name.substr(0, letters));
+            file.append(selected ? "Sel" : "").append(disabled ? "Disable" : "").append(number);
+            m_pictures[selected][disabled] = parent.LoadPicture(file);
+        }
+    }
+}
+
+const Bitmap* MarkPictures::Get(bool selected, bool enabled) const {
+    const Bitmap* const disabled = m_pictures[selected][1];
+    return enabled || !disabled ? m_pictures[selected][0] : disabled;
+}
+
+void DrawMarkedText(Canvas& canvas, Graphics& graphics, const Rect& place, const Bitmap* mark,
+                    std::string_view text, const TextStyle& style) {
+    constexpr int gap = 10;
+    int left = place.x;
+    if (mark) {
+        const Size size = mark->GetSize();
+        const int height = std::min(size.height, place.height);
+        const int width = size.height > 0 ? size.width * height / size.height : 0;
+        canvas.StretchBlt(*mark, {left, place.y + (place.height - height) / 2, width, height});
+        left += width + gap;
+    }
+    const Rect box{left, place.y, place.Right() - left, place.height};
+    const LogFont font = FittingFont(graphics, text, style.font, {box.width, box.height}, false);
+    canvas.DrawText(text, box, TextFormat::VCenter | TextFormat::SingleLine | TextFormat::EndEllipsis, font,
+                    style.color);
+}
+
+}  // namespace varkel
