@@ -2,9 +2,6 @@
 
 packages_build="g++ cmake ninja-build pkg-config libcairo2-dev libpango1.0-dev librsvg2-dev libsdl2-dev libsqlite3-dev libsystemd-dev libcli11-dev libgtest-dev libgmock-dev"
 packages_run="dbus-daemon fontconfig fonts-dejavu-core fonts-droid-fallback"
-packages_check="$packages_run libbenchmark-dev util-linux xvfb"
-packages_run="dbus-daemon"
-packages_check="libbenchmark-dev dbus-daemon util-linux"
 packages_check="$packages_run libbenchmark-dev util-linux xdotool xvfb"
 
 # need_packages NAME...: does nothing, and quickly, when all are there.

@@ -78,12 +78,12 @@ void ListBox::DrawRow(Canvas& canvas, int row) const {
     TextStyle text = StyleOf(TextRole::Body, Parent().Colors());
     TextStyle small = StyleOf(TextRole::Secondary, Parent().Colors());
     if (content.emphasised) text.color = palette.accent;
-    if (selected) text.color = small.color = palette.onPressed;
+    if (selected) text.color = small.color = palette.pressedText;
 
     Rect left{place.x + margin, place.y, place.width - 2 * margin, place.height};
-    if (content.picture) {
-        const Size size = content.picture->GetSize();
-        canvas.TransparentImage(*content.picture,
+    if (const Bitmap* const picture = selected ? content.selectedPicture : content.picture) {
+        const Size size = picture->GetSize();
+        canvas.TransparentImage(*picture,
                                 {left.x, place.y + (place.height - size.height) / 2, size.width, size.height},
                                 Rgb(0xFF, 0x00, 0xFF));
         left.x += size.width + margin;

@@ -11,10 +11,11 @@ namespace varkel {
 
 struct ListRow {
     std::string text;
-    std::string detail;               // below the text, smaller
-    std::string note;                 // at the right, smaller
-    const Bitmap* picture = nullptr;  // before the text
-    bool emphasised = false;          // in the accent colour, as what is unread
+    std::string detail;                       // below the text, smaller
+    std::string note;                         // at the right, smaller
+    const Bitmap* picture = nullptr;          // before the text
+    const Bitmap* selectedPicture = nullptr;  // the same on a selected row
+    bool emphasised = false;                  // in the accent colour, as what is unread
 };
 
 // What the list shows. Both run whenever it is drawn or moved, so they are quick.

@@ -30,11 +30,11 @@ constexpr Name names[] = {
     {"warning", &Palette::warning},
     {"disabled", &Palette::disabled},
     {"pressed", &Palette::pressed},
-    {"on_pressed", &Palette::onPressed},
+    {"pressedText", &Palette::pressedText},
     {"answer", &Palette::answer},
     {"hangup", &Palette::hangup},
-    {"on_call", &Palette::onCall},
-    {"on_label", &Palette::onLabel},
+    {"callText", &Palette::callText},
+    {"labelText", &Palette::labelText},
 };
 
 bool ParseColor(std::string_view text, ColorRef& color) {

@@ -20,11 +20,11 @@ struct Palette {
     ColorRef warning = Rgb(0xF5, 0xB8, 0x3D);
     ColorRef disabled = Rgb(0x6E, 0x7C, 0x89);
     ColorRef pressed = Rgb(0x16, 0x67, 0xA0);  // and selected
-    ColorRef onPressed = Rgb(0xFF, 0xFF, 0xFF);
+    ColorRef pressedText = Rgb(0xFF, 0xFF, 0xFF);
     ColorRef answer = Rgb(0x1E, 0x7A, 0x2F);
     ColorRef hangup = Rgb(0xC6, 0x28, 0x28);
-    ColorRef onCall = Rgb(0xFF, 0xFF, 0xFF);   // on the two before
-    ColorRef onLabel = Rgb(0x10, 0x16, 0x1C);  // on the white of static labels
+    ColorRef callText = Rgb(0xFF, 0xFF, 0xFF);   // on the two before
+    ColorRef labelText = Rgb(0x10, 0x16, 0x1C);  // on the white of static labels
 
     // Reads the skin's "palette.txt", lines of "name = #RRGGBB"; what is missing there stays as above.
     static Palette Load(UnitFiles& files);

@@ -10,7 +10,7 @@ constexpr int textId = 1065;
 
 constexpr TextSpec texts[] = {
     {textId,
-     {10, 90, 280, 140},
+     {20, 60, 260, 160},
      "",
      TextRole::Body,
      TextFormat::Center | TextFormat::VCenter | TextFormat::WordBreak},

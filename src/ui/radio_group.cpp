@@ -70,7 +70,7 @@ void RadioGroup::DrawItem(Canvas& canvas, int item) const {
         place.width = std::min(place.width, picture->GetSize().width);
         canvas.StretchBlt(*picture, place);
     }
-    if (selected) style.color = Parent().GetDesktop().Colors().onPressed;
+    if (selected) style.color = Parent().GetDesktop().Colors().pressedText;
     const LogFont font = FittingFont(graphics, text, style.font, {place.width - 8, place.height}, false);
     canvas.DrawText(text, place, TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine, font,
                     style.color);

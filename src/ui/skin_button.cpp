@@ -40,7 +40,7 @@ CSkinButton::CSkinButton(Dialog& parent, const ButtonSpec& spec)
                parent.LoadPicture(Suffixed(spec.picture, SuffixOf(spec.disabled))));
     }
     const TextStyle style = StyleOf(spec.role, parent.Colors());
-    SetTextColors(style.color, parent.GetDesktop().Colors().onPressed);
+    SetTextColors(style.color, parent.GetDesktop().Colors().pressedText);
     SetTextOffset(spec.textOffset);
     // The pressed picture with the plain colour on it can be hard to read: a frame shows the focus instead.
     SetKeepNormalWhenFocused(true);
@@ -114,7 +114,7 @@ void CSkinButton::DrawItem(Canvas& canvas, ItemState state) const {
 void CSkinButton::DrawPlain(Canvas& canvas, bool pressed) const {
     const Palette& colors = Parent().GetDesktop().Colors();
     canvas.RoundRect(Place(), radius, pressed ? colors.pressed : colors.tile, colors.edge, 1.5);
-    const ColorRef enabled = pressed ? colors.onPressed : colors.text;
+    const ColorRef enabled = pressed ? colors.pressedText : colors.text;
     canvas.DrawText(m_text, Place(), captionFormat, m_fitted, IsWindowEnabled() ? enabled : colors.disabled);
 }
 

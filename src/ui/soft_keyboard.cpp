@@ -156,7 +156,8 @@ void SoftKeyboard::DrawKey(Canvas& canvas, const PlacedKey& key, bool pressed) c
     if (const Bitmap* const picture = PictureOf(key.key, lit)) canvas.StretchBlt(*picture, key.place);
     const Palette& palette = GetDesktop().Colors();
     const LogFont font{"SimSun & NSimSun", key.key.action == KeyAction::Type ? 36 : 26, 400};
-    canvas.DrawText(LabelOf(key, pressed), key.place, centred, font, lit ? palette.onPressed : palette.text);
+    canvas.DrawText(LabelOf(key, pressed), key.place, centred, font,
+                    lit ? palette.pressedText : palette.text);
 }
 
 const Bitmap* SoftKeyboard::PictureOf(const KeyboardKey& key, bool lit) const {

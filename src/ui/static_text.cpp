@@ -19,7 +19,7 @@ StaticText::StaticText(Dialog& parent, const TextSpec& spec)
       m_text(parent.LoadText(spec.caption)) {
     const TextStyle style = StyleOf(spec.role, parent.Colors());
     m_font = style.font;
-    m_color = m_whiteGround ? parent.GetDesktop().Colors().onLabel : style.color;
+    m_color = m_whiteGround ? parent.GetDesktop().Colors().labelText : style.color;
     const bool placed = Has(m_format, TextFormat::Center) || Has(m_format, TextFormat::Right);
     if (!placed && parent.GetDesktop().ReadsRightToLeft()) m_format = m_format | TextFormat::Right;
 }
