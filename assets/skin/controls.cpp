@@ -76,6 +76,19 @@ void DrawCallKey(Painter& painter, const Palette& colors, const Picture& picture
     painter.Icon(picture.detail.icon, Centred(Whole(picture), 68), look.icon);
 }
 
+void DrawSoftKey(Painter& painter, const Palette& colors, const Picture& picture, State state) {
+    const Look look = LookOf(picture.detail.tone, state, colors);
+    painter.RoundRect(Whole(picture).Inset(2), 8, look.face);
+    if (HasIcon(picture)) painter.Icon(picture.detail.icon, Centred(Whole(picture), 36), look.icon);
+}
+
+void DrawSoftFunction(Painter& painter, const Palette& colors, const Picture& picture, State state) {
+    Look look = LookOf(picture.detail.tone, state, colors);
+    if (state == State::Normal) look.face = colors.line;
+    painter.RoundRect(Whole(picture).Inset(2), 8, look.face);
+    if (HasIcon(picture)) painter.Icon(picture.detail.icon, Centred(Whole(picture), 36), look.icon);
+}
+
 void DrawAction(Painter& painter, const Palette& colors, const Picture& picture, State state) {
     constexpr double radius = 12, iconSize = 48, iconTop = 12;
     const Look look = LookOf(picture.detail.tone, state, colors);

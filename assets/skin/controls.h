@@ -12,6 +12,9 @@ void DrawCell(Painter& painter, const Palette& colors, const Picture& picture, S
 
 // A face with nothing, or an icon in its middle.
 void DrawKey(Painter& painter, const Palette& colors, const Picture& picture, State state);
+// The quieter key of the soft keyboard, 2 pixels smaller than its picture all around.
+void DrawSoftKey(Painter& painter, const Palette& colors, const Picture& picture, State state);
+void DrawSoftFunction(Painter& painter, const Palette& colors, const Picture& picture, State state);
 // Its place reaches the lower edge of the warning dialog, which goes on below its face.
 void DrawWarnKey(Painter& painter, const Palette& colors, const Picture& picture, State state);
 // As DrawKey, rounder and with a larger icon.

@@ -23,6 +23,7 @@ constexpr Size smallOption{18, 18};
 constexpr Size arrow{48, 48};
 constexpr Size indicator{48, 38};
 constexpr Size rowMark{56, 56};
+constexpr Size softKey{66, 63};
 
 constexpr Picture pictures[] = {
     // The main screen
@@ -148,6 +149,8 @@ constexpr Picture pictures[] = {
     {"WarnBack/Cancel", Files::Two, warnButton, DrawWarnKey, {.icon = "close", .ground = onDialog}},
     {"WarnBack/DeleteChoice", Files::One, {290, 38}, DrawChoiceStrip, {.ground = onDialog}},
     {"Other/PromptDlgBack", Files::One, {300, 240}, DrawTip, {.icon = "phrase"}},
+    {"Other/BoxBack", Files::One, {520, 280}, DrawTip, {.icon = "info"}},
+    {"Other/BoxOk", Files::Two, wide, DrawKey, {.icon = "check", .ground = onDialog}},
 
     // Options, tabs, scroll bar
     {"Radio", Files::Option, option, DrawRadio, {.ground = onPanel}},
@@ -161,6 +164,16 @@ constexpr Picture pictures[] = {
      arrow,
      DrawArrow,
      {.icon = "down", .ground = onChannel}},
+
+    // The soft keyboard
+    {"Sip/Key", Files::Two, softKey, DrawSoftKey},
+    {"Sip/Function", Files::Two, softKey, DrawSoftFunction},
+    {"Sip/FunctionWide", Files::Two, {132, 63}, DrawSoftFunction},
+    {"Sip/Shift", Files::Two, softKey, DrawSoftFunction, {.icon = "shift"}},
+    {"Sip/ShiftLock", Files::Two, softKey, DrawSoftFunction, {.icon = "shift_on"}},
+    {"Sip/Backspace", Files::Two, softKey, DrawSoftFunction, {.icon = "backspace"}},
+    {"Sip/Done", Files::Two, softKey, DrawSoftFunction, {.icon = "keyboard_down"}},
+    {"Sip/Space", Files::Two, {198, 63}, DrawSoftKey, {.icon = "space"}},
 };
 
 }  // namespace

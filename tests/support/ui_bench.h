@@ -5,8 +5,10 @@
 #include <memory>
 #include <string>
 
+#include "platform/linux/initial_registry.h"
 #include "platform/linux/linux_unit_files.h"
 #include "platform/linux/offscreen_display.h"
+#include "tests/platform/pictures.h"
 #include "tests/support/memory_registry.h"
 #include "tests/support/memory_windows.h"
 #include "tests/support/scratch.h"
@@ -18,15 +20,17 @@
 namespace varkel::test {
 
 struct UiBench {
-    // `skin` is a directory of pictures as the unit's flash holds them.
+    // With the pictures and colours of a skin, "night" or "day", or with none.
     explicit UiBench(const std::string& skin = "", const std::string& languageName = "english")
-        : files(scratch.Path(), skin),
-          texts(scratch.Path(), VARKEL_ASSETS),
-          language(texts, languageName),
+        : files(scratch.Path(), VARKEL_ASSETS, skin.empty() ? "" : VARKEL_ASSETS "/skin-" + skin),
+          language(files, languageName),
           display(loop, files),
           desktop({loop, display, windows, files, registry, language}),
           keyboard(desktop),
-          boxes(runtime, desktop) {}
+          boxes(runtime, desktop) {
+        const std::string colors = FileContent(std::string(VARKEL_ASSETS "/skin-") + skin + "/registry.txt");
+        LoadInitialRegistry(registry, colors);
+    }
 
     // Lets the dialog thread work for that time.
     void RunFor(Ticks time) {
@@ -52,6 +56,15 @@ struct UiBench {
         Settle();
     }
 
+    // A registry value that decides whether screens open like a curtain.
+    void SetAnimation(bool on) { Settings(registry).WriteDword(Settings::dialogTypeKey, "Gprs", on ? 1 : 0); }
+    // A picture of one colour at "\\ResidentFlash2\\test\\<name>.bmp".
+    void PutPicture(const std::string& name, char color, std::size_t size = 8) {
+        std::filesystem::create_directories(scratch / "ResidentFlash2/test");
+        WriteFile(scratch / ("ResidentFlash2/test/" + name + ".bmp"),
+                  Bmp(Rows(size, std::string(size, color))));
+    }
+
     // Does something while a modal dialog is open, after `delay` ms.
     void Later(Ticks delay, std::function<void()> action) {
         const TimerId timer = m_nextTimer++;
@@ -67,7 +80,6 @@ struct UiBench {
     MessageLoop loop{runtime};
     ScratchDirectory scratch;
     LinuxUnitFiles files;
-    LinuxUnitFiles texts;
     MemoryRegistry registry;
     MemoryWindows windows{loop};
     Language language;
