@@ -1,7 +1,6 @@
 # Installs the Debian packages that a command needs. To be sourced.
 
 packages_build="g++ cmake ninja-build pkg-config libcairo2-dev libpango1.0-dev librsvg2-dev libsdl2-dev libsqlite3-dev libsystemd-dev libcli11-dev libgtest-dev libgmock-dev"
-packages_build="g++ cmake ninja-build pkg-config libsdl2-dev libcairo2-dev libpango1.0-dev librsvg2-dev libsqlite3-dev libsystemd-dev libcli11-dev libgtest-dev libgmock-dev"
 packages_run="dbus-daemon fontconfig fonts-dejavu-core fonts-droid-fallback"
 packages_check="$packages_run libbenchmark-dev util-linux xdotool xvfb"
 
