@@ -25,6 +25,13 @@ class MemoryWindows final : public WindowMessages {
         return handle;
     }
 
+    // The window of another program.
+    WindowHandle AddProgram(std::function<void(const WindowMessage&)> onMessage) {
+        WindowProcedure procedure;
+        procedure.onMessage = std::move(onMessage);
+        return CreateWindow("", std::move(procedure));
+    }
+
     void DestroyWindow(WindowHandle window) override {
         std::lock_guard lock(m_mutex);
         m_windows.erase(window);
@@ -90,6 +97,11 @@ class MemoryWindows final : public WindowMessages {
     std::vector<std::string> Posted() {
         std::lock_guard lock(m_mutex);
         return m_posted;
+    }
+
+    void Forget() {
+        std::lock_guard lock(m_mutex);
+        m_posted.clear();
     }
 
     int CountPosted(std::string_view text) {

@@ -25,6 +25,11 @@ class RecordedNotices final : public Notices {
         return m_boxes;
     }
 
+    void Forget() {
+        std::lock_guard lock(m_mutex);
+        m_boxes.clear();
+    }
+
     std::atomic<bool> nobodyDismisses = false;
 
   private:

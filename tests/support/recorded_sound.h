@@ -23,6 +23,11 @@ class RecordedSound final : public Sound {
         return m_played;
     }
 
+    void Forget() {
+        std::lock_guard lock(m_mutex);
+        m_played.clear();
+    }
+
   private:
     std::mutex m_mutex;
     std::vector<std::string> m_played;

@@ -83,6 +83,11 @@ class ScriptedScreens final : public Screens {
         return m_shown;
     }
 
+    void Forget() {
+        std::lock_guard lock(m_mutex);
+        m_shown.clear();
+    }
+
     int Count(std::string_view text) {
         std::lock_guard lock(m_mutex);
         return static_cast<int>(std::count(m_shown.begin(), m_shown.end(), text));

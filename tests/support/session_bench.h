@@ -69,6 +69,17 @@ struct SessionBench {
         loop.Run([] { return false; });
     }
 
+    // What the doubles have written down so far.
+    void ForgetRecords() {
+        unit.TakeTrace();
+        windows.Forget();
+        sound.Forget();
+        notices.Forget();
+        screens.Forget();
+        dialUp.dialled.clear();
+        icmp.asked.clear();
+    }
+
     std::string LogContent() { return files.Content("Nandflash\\3G.ini"); }
 
     VirtualRuntime runtime;
