@@ -1,9 +1,12 @@
 // Answers of any shape to the handlers of the SIM and its phonebook, the signal, the messages, the calls and
-// the module's readiness. The input is a sequence of {which handler, length, text}.
+// the module's readiness, and what other programs post and copy. The input is a sequence of {which handler,
+// length, text}.
 #include <cassert>
+#include <cstring>
 
 #include "fuzz/input.h"
 #include "session/call_control.h"
+#include "session/client_requests.h"
 #include "session/message_handling.h"
 #include "session/signal_watch.h"
 #include "session/sim_card.h"
@@ -26,7 +29,7 @@ struct Target {
     }
 
     void Handle(unsigned handler, std::string_view text) {
-        switch (handler % 18) {
+        switch (handler % 20) {
             case 0: sim.OnCpin(text); break;
             case 1: sim.OnUrcInd(text); break;
             case 2: sim.OnSimInserted(text); break;
@@ -47,8 +50,17 @@ struct Target {
             case 14: calls.OnUssd(text); break;
             case 15: calls.OnCallHooked(); break;
             case 16: calls.OnRing(text); break;
-            default: signal.OnSignalStatus(text); break;
+            case 17: signal.OnSignalStatus(text); break;
+            case 18: clients.OnCopyData(Word(text) % 8, std::as_bytes(std::span(text))); break;
+            default: clients.OnMessage({WM_USER + 1000 + Word(text) % 8, Word(text), 0}); break;
         }
+    }
+
+    // The first four bytes.
+    static std::uint32_t Word(std::string_view text) {
+        std::uint32_t word = 0;
+        std::memcpy(&word, text.data(), std::min(text.size(), sizeof word));
+        return word;
     }
 
     SessionBench bench;
@@ -68,6 +80,8 @@ struct Target {
     CallLists lists{bench.files, bench.log};
     CallControl calls{session, turn, signal, book, lists};
     MessageHandling messages{session, turn, calls, signal};
+    CGSMData block{bench.objects, bench.log};
+    ClientRequests clients{session, turn, block, sim, data, listeners, messages};
 };
 
 }  // namespace

@@ -37,6 +37,31 @@ struct Life {
     bool operator==(const Life&) const = default;
 };
 
+// What other programs and the dial-up service do meanwhile.
+void Meddle(SessionBench& bench, std::mt19937_64& random) {
+    const WindowHandle window = bench.dialog->Window();
+    const auto number = static_cast<std::uint32_t>(random() % 3);
+    switch (random() % 8) {
+        case 0:
+            bench.windows.PostMessage(window,
+                                      {WM_USER + 1000 + static_cast<MessageId>(random() % 6), 0x4242, 0});
+            break;
+        case 1: {
+            const char* const names[] = {"3Gwindow_SHOW", "3Gwindow_HIDE", "Network_interface", "UM_QX_CALL",
+                                         "NEED_CLOSE_USB_HOST"};
+            const MessageId id = bench.windows.RegisterWindowMessage(names[random() % std::size(names)]);
+            bench.windows.PostMessage(window, {id, number, number});
+            break;
+        }
+        case 2: bench.dialog->OnKey(0x5F); break;
+        case 3: bench.dialog->OnKey(0xEE); break;
+        case 4: bench.dialog->Data().OpenNet(); break;
+        case 5: bench.dialog->Data().RasHangUp(); break;
+        case 6: bench.dialUp.Report(random() % 2 == 0 ? RasState::Connected : RasState::Disconnected); break;
+        default: (void)bench.windows.CopyData("3Gwindow", number, std::vector<std::byte>(70, std::byte{'1'}));
+    }
+}
+
 // One life of the program under random trouble.
 Life Live(std::uint64_t seed) {
     std::mt19937_64 random(seed);
@@ -45,6 +70,9 @@ Life Live(std::uint64_t seed) {
     if (random() % 4 == 0) bench.unit.Command("puk 12345678");
     for (int i = 0; i < 3; ++i)
         bench.screens.Type(random() % 2 == 0 ? "1234" : "12345678", "1234");
+    bench.dialUp.connects = random() % 2 == 0;
+    bench.dialUp.refusal = random() % 8 == 0 ? RasError::Busy : RasError::None;
+    bench.icmp.allSilent = random() % 2 == 0;
     Life life;
     bench.Start(random() % 2 == 0 ? "1" : "");
     bench.dialog->OpenModule();
@@ -52,6 +80,7 @@ Life Live(std::uint64_t seed) {
         bench.RunFor(static_cast<Ticks>(random() % 9000));
         life.opened |= bench.dialog->State().MainScreenMode != ScreenMode::Closed;
         bench.unit.Command(troubles[random() % std::size(troubles)]);
+        Meddle(bench, random);
         switch (random() % 8) {
             case 0: bench.dialog->CloseModule(); break;
             case 1: bench.dialog->OpenModule(); break;
@@ -66,7 +95,9 @@ Life Live(std::uint64_t seed) {
     }
     const std::uint64_t start = bench.runtime.Elapsed();
     bench.Quit();
-    EXPECT_LE(bench.runtime.Elapsed() - start, 10'000u) << "seed " << seed;
+    EXPECT_EQ(bench.dialUp.Current(), RasHandle::None) << "seed " << seed;
+    EXPECT_EQ(bench.dialog->State().m_dataState, DataState::Off) << "seed " << seed;
+    EXPECT_LE(bench.runtime.Elapsed() - start, 15'000u) << "seed " << seed;
     EXPECT_EQ(bench.unit.SuspendLocks(), 0) << "seed " << seed;
     EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed) << "seed " << seed;
     EXPECT_EQ(Settings(bench.registry).ReadOpenFlag(), 0u) << "seed " << seed;
