@@ -47,7 +47,7 @@ while [ "$(ask reg get 'GPRS\OPENFLAG' m_GprsOpenFlag)" != 1 ]; do sleep 0.25; d
 
 expect 0 "$(ask reg get 'Software\QXGprsSim' IMSI)" imsi
 expect 0 "$(ask reg get 'Software\QXGprsSim' IMEI)" imei
-ask watch >"$unit/watched" &
+"$client" --unit-file "$unit/unit.conf" watch >"$unit/watched" &
 watcher=$!
 until_code 0 status
 expect 0 sent send 10086 balance
