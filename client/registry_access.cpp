@@ -33,17 +33,26 @@ std::string OneLine(std::string text) {
 
 }  // namespace
 
-ExitCode GetRegistryValue(const std::string& file, const std::string& key, const std::string& name) {
+std::optional<std::string> ReadRegistryValue(const std::string& file, const std::string& key,
+                                             const std::string& name) {
     const auto registry = OpenExisting(file);
-    if (!registry) return ExitCode::Failed;
+    if (!registry) return std::nullopt;
     const std::string_view path = std::string_view(key).substr(0, key.find_last_not_of('\\') + 1);
     const auto entries = registry->List(path);
     const auto found = std::find_if(entries.begin(), entries.end(), [&](const RegistryEntry& entry) {
         return EqualIgnoringCase(entry.key, path) && EqualIgnoringCase(entry.name, name);
     });
-    if (found == entries.end()) return Fail(ExitCode::Failed, key + " has no value " + name);
+    if (found == entries.end()) {
+        Report(key + " has no value " + name);
+        return std::nullopt;
+    }
     const std::string text = RegistryValueText(found->value);
-    return PrintLine(text.substr(text.find(':') + 1)) ? ExitCode::Ok : ExitCode::Failed;
+    return text.substr(text.find(':') + 1);
+}
+
+ExitCode GetRegistryValue(const std::string& file, const std::string& key, const std::string& name) {
+    const auto text = ReadRegistryValue(file, key, name);
+    return text && PrintLine(*text) ? ExitCode::Ok : ExitCode::Failed;
 }
 
 ExitCode SetRegistryValue(const std::string& file, const std::string& key, const std::string& name,

@@ -1,6 +1,7 @@
 // Reads and writes the unit's registry, whether the program runs or not.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "client/exit_code.h"
@@ -8,7 +9,11 @@
 namespace varkel::client {
 
 // `file` is the registry of the unit. Values are written and listed as registry_text.h says; a single value
-// that is read is printed bare.
+// that is read is bare: "16", "text", "0a0b".
+
+// Nothing, and it has been said why, when there is no such value.
+std::optional<std::string> ReadRegistryValue(const std::string& file, const std::string& key,
+                                             const std::string& name);
 ExitCode GetRegistryValue(const std::string& file, const std::string& key, const std::string& name);
 ExitCode SetRegistryValue(const std::string& file, const std::string& key, const std::string& name,
                           const std::string& value);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "client/answer_event.h"
+#include "client/registry_access.h"
 #include "platform/linux/iconv_code_page.h"
 #include "platform/text.h"
 
@@ -58,6 +59,9 @@ ExitCode SendShortMessage(PhoneProgram& program, const UnitSettings& settings, c
             ExitCode::Usage,
             "a message holds 115 characters and 121 bytes of the unit's code page; this one does not fit");
     }
+    // The program would fail the message at once, which leaves no sign.
+    if (ReadRegistryValue(settings.registry, "GPRS\\OPENFLAG", "m_GprsOpenFlag") != "1")
+        return Fail(ExitCode::Failed, "the module is not open");
     std::vector<std::byte> block;
     Put(block, numberAt, *plain);
     Put(block, textAt, text);

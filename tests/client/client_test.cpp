@@ -175,6 +175,9 @@ TEST_F(ClientTest, WatchesUntilItIsInterruptedAndIsRemovedThen) {
 
 TEST_F(ClientTest, SendsAMessageInTheLayoutOfTheBlock) {
     const auto phone = StartPhone();
+    EXPECT_EQ(Run({"send", "10086", "too early"}).code, 1);
+    EXPECT_TRUE(phone->received.empty()) << "the module is not open";
+    ASSERT_EQ(Run({"reg", "set", "GPRS\\OPENFLAG", "m_GprsOpenFlag", "dword:1"}).code, 0);
     const Ended ended = Run({"send", "+86 (138) 0013-8000 01", "Привет"});
     EXPECT_EQ(ended.code, 0) << ended.errors;
     EXPECT_EQ(ended.output, "sent\n");
