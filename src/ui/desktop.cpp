@@ -53,15 +53,21 @@ void Desktop::Remove(Dialog& dialog) {
 
 void Desktop::OnStateChanged() {
     // A finger that was down on a dialog that is covered now, hidden or disabled, has nothing under it.
-    if (m_touched) {
-        const Dialog* const active = Active();
-        const bool reached = m_touched->TakesInput() &&
-                             (m_touched == active || m_touched->Spec().scope == DialogScope::OwnPlace);
-        if (!reached) std::exchange(m_touched, nullptr)->CancelTouch();
+    if (m_touched && !(m_touched->TakesInput() && IsReached(*m_touched))) {
+        std::exchange(m_touched, nullptr)->CancelTouch();
     }
     const bool show = std::any_of(m_stack.begin(), m_stack.end(),
                                   [](const Dialog* dialog) { return dialog->IsWindowVisible(); });
     if (show != m_services.display.IsShown()) m_services.display.ShowWindow(show);
+}
+
+bool Desktop::IsReached(const Dialog& dialog) const {
+    const auto blocks = [&dialog](const Dialog* other) {
+        return other == &dialog ||
+               (other->IsWindowVisible() && other->Spec().scope == DialogScope::Everything);
+    };
+    const auto top = std::find_if(m_stack.rbegin(), m_stack.rend(), blocks);
+    return top != m_stack.rend() && *top == &dialog;
 }
 
 Dialog* Desktop::Active() const {

@@ -78,6 +78,8 @@ class Desktop {
     void OnTouch(const TouchEvent& event);
     void OnKey(const KeyEvent& event);
     Dialog* DialogAt(Point at) const;
+    // Nothing above it takes everything.
+    bool IsReached(const Dialog& dialog) const;
 
     UiServices m_services;
     Settings m_settings;

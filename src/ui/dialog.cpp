@@ -286,7 +286,9 @@ void Dialog::OnTouchEvent(const TouchEvent& event) {
         event.action == TouchAction::Move ? control->OnTouchMove(event.at) : control->OnTouchUp(event.at);
         return;
     }
-    if (m_touchedGround) OnTouch(event);
+    if (!m_touchedGround) return;
+    if (event.action == TouchAction::Up) m_touchedGround = false;
+    OnTouch(event);
 }
 
 void Dialog::OnHover(Point at) {
@@ -294,7 +296,7 @@ void Dialog::OnHover(Point at) {
 }
 
 void Dialog::CancelTouch() {
-    m_touchedGround = false;
+    if (std::exchange(m_touchedGround, false)) OnTouchCancel();
     if (Control* const control = std::exchange(m_touched, nullptr)) control->OnTouchCancel();
 }
 

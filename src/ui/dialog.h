@@ -102,8 +102,9 @@ class Dialog {
     virtual void OnDestroy() {}
     // Draws on the background, below the controls.
     virtual void OnPaint(Canvas&) {}
-    // A touch where no control is.
+    // A touch that began where no control is, and its end when something took it away.
     virtual void OnTouch(const TouchEvent&) {}
+    virtual void OnTouchCancel() {}
     // A key that the focused control has no use for; false to leave it to the dialog.
     virtual bool OnKey(const KeyEvent&) { return false; }
     virtual void OnFocusChanged(int) {}

@@ -10,9 +10,9 @@
 namespace varkel {
 
 struct ListRow {
-    std::string text;
-    std::string detail;                       // below the text, smaller
-    std::string note;                         // at the right, smaller
+    std::string text{};
+    std::string detail{};                     // below the text, smaller
+    std::string note{};                       // at the right, smaller
     const Bitmap* picture = nullptr;          // before the text
     const Bitmap* selectedPicture = nullptr;  // the same on a selected row
     bool emphasised = false;                  // in the accent colour, as what is unread

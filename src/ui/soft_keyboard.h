@@ -42,6 +42,7 @@ class SoftKeyboard final : public Dialog {
     void OnInitDialog() override;
     void OnPaint(Canvas& canvas) override;
     void OnTouch(const TouchEvent& event) override;
+    void OnTouchCancel() override { CancelPress(); }
     void CancelPress();
     void ShowPage(KeyboardPage page);
     void PlaceKeys();
