@@ -45,11 +45,12 @@ Outcome SettingForm(const CommandEntry& entry, Exchange& exchange) {
 
 }  // namespace
 
-const CommandEntry* FindCommand(std::string_view name) {
+const CommandEntry* FindCommand(std::string_view name, ModemKind kind) {
     for (const auto table : {GeneralCommands(), SimCommands(), PhonebookCommands(), NetworkCommands(),
                              CallCommands(), MessageCommands()}) {
         for (const CommandEntry& entry : table) {
-            if (entry.name == name) return &entry;
+            if (entry.name != name) continue;
+            return entry.own && kind != ModemKind::Unit ? nullptr : &entry;
         }
     }
     return nullptr;

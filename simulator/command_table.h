@@ -51,6 +51,8 @@ struct CommandEntry {
     int high = 1;
     // What the test form says behind the name.
     std::string_view ranges = {};
+    // Only the unit's own module has it.
+    bool own = false;
 };
 
 std::span<const CommandEntry> GeneralCommands();
@@ -60,8 +62,8 @@ std::span<const CommandEntry> NetworkCommands();
 std::span<const CommandEntry> CallCommands();
 std::span<const CommandEntry> MessageCommands();
 
-// Null when no table has the command.
-const CommandEntry* FindCommand(std::string_view name);
+// Null when this kind of module has no such command.
+const CommandEntry* FindCommand(std::string_view name, ModemKind kind);
 
 // Null entry: an unknown command.
 Outcome CarryOut(const CommandEntry* entry, Exchange& exchange);

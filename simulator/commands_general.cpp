@@ -35,7 +35,7 @@ Outcome NeverQuiet(Exchange& exchange) {
 }
 
 Outcome Defaults(Exchange& exchange) {
-    exchange.modem.Settings() = {};
+    exchange.modem.Settings() = FactorySettings(exchange.modem.Config().kind);
     return Outcome::Ok();
 }
 
@@ -115,10 +115,10 @@ constexpr CommandEntry commands[] = {
      .set = SetBaudRate,
      .setting = &ModemSettings::baudRate,
      .ranges = "(0,9600,19200,38400,57600,115200,230400,460800,921600)"},
-    {.name = "+URCIND", .set = SetStartIndications, .setting = &ModemSettings::startIndications},
+    {.name = "+URCIND", .set = SetStartIndications, .setting = &ModemSettings::startIndications, .own = true},
     {.name = "+CLVL", .setting = &ModemSettings::volume, .high = 5},
-    {.name = "+SIDET", .setting = &ModemSettings::sidetone, .high = 15},
-    {.name = "+ECHO", .set = SetEchoCanceller, .ranges = "(0-63),(0-65535)"},
+    {.name = "+SIDET", .setting = &ModemSettings::sidetone, .high = 15, .own = true},
+    {.name = "+ECHO", .set = SetEchoCanceller, .ranges = "(0-63),(0-65535)", .own = true},
 };
 
 }  // namespace

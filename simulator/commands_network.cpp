@@ -28,6 +28,19 @@ Outcome ReadOperator(Exchange& exchange) {
     return Outcome::Ok();
 }
 
+// The module chooses the network by itself, maybe of one technology only.
+Outcome SelectOperator(Exchange& exchange) {
+    constexpr int gsm = 0;
+    constexpr int utran = 2;
+    const AtCommand& command = exchange.command;
+    if (const auto fault = exchange.modem.CardFault(Needs::UnlockedCard)) return Outcome::Fault(*fault);
+    const auto technology = command.Number(3, -1);
+    const bool known = technology == -1 || technology == gsm || technology == utran;
+    if (command.Number(0) != 0 || !known) return Outcome::Fault(Cme::OperationNotSupported);
+    exchange.modem.Settings().accessTechnology = *technology;
+    return Outcome::Ok();
+}
+
 Outcome ReadContexts(Exchange& exchange) {
     for (const auto& [id, context] : exchange.modem.Settings().contexts) {
         exchange.info.push_back("+CGDCONT: " + std::to_string(id) + ",\"" + context.type + "\",\"" +
@@ -62,8 +75,8 @@ constexpr CommandEntry commands[] = {
      .read = ReadRegistration,
      .setting = &ModemSettings::registrationReports,
      .ranges = "(0,1)"},
-    {.name = "+COPS", .read = ReadOperator},
-    {.name = "+MODODR", .setting = &ModemSettings::networkMode, .low = 0, .high = 6},
+    {.name = "+COPS", .read = ReadOperator, .set = SelectOperator, .ranges = "(0)"},
+    {.name = "+MODODR", .setting = &ModemSettings::networkMode, .low = 0, .high = 6, .own = true},
     {.name = "+CGDCONT", .read = ReadContexts, .set = SetContext, .ranges = "(1-16),\"IP\",,,(0),(0)"},
 };
 

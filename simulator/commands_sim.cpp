@@ -29,7 +29,10 @@ Outcome ReadPin(Exchange& exchange) {
     if (fault) return Outcome::Fault(*fault);
     const SimAsks asks = modem.Sim().Asks();
     if (asks == SimAsks::Dead) return Outcome::Fault(Cme::SimFailure);
-    exchange.info.push_back("+CPIN: " + std::string(CpinText(asks)));
+    std::string text(CpinText(asks));
+    if (modem.Config().kind == ModemKind::Standard && text.ends_with("pin"))
+        text.replace(text.size() - 3, 3, "PIN");
+    exchange.info.push_back("+CPIN: " + text);
     return Outcome::Ok();
 }
 
@@ -42,12 +45,13 @@ Outcome EnterPin(Exchange& exchange) {
                        exchange.modem.EnterCode(command.Text(0), command.Text(1), exchange.now));
 }
 
-// The facility "SC" while a code is asked for: the module takes the password as that code, and switches the
-// request for the PIN off when that is what it was asked.
+// The facility "SC" while a code is asked for: the unit's module takes the password as that code, and
+// switches the request for the PIN off when that is what it was asked.
 Outcome UnlockByFacility(Exchange& exchange, bool on, std::string_view password) {
     SimCard& sim = exchange.modem.Sim();
     const SimAsks asks = sim.Asks();
-    if (asks == SimAsks::Puk || asks == SimAsks::Puk2 || asks == SimAsks::Dead)
+    const bool codesOnly = exchange.modem.Config().kind == ModemKind::Standard;
+    if (codesOnly || asks == SimAsks::Puk || asks == SimAsks::Puk2 || asks == SimAsks::Dead)
         return Outcome::Fault(*exchange.modem.CardFault(Needs::UnlockedCard));
     const CodeResult result = exchange.modem.EnterCode(password, {}, exchange.now);
     if (result == CodeResult::Right && asks == SimAsks::Pin && !on) sim.ForgetPin();
@@ -115,7 +119,7 @@ constexpr CommandEntry commands[] = {
      .ranges = "(\"SC\",8)"},
     {.name = "+CIMI", .needs = Needs::UnlockedCard, .pace = Pace::Sim, .execute = Subscriber},
     {.name = "+CCID", .needs = Needs::Card, .pace = Pace::Sim, .execute = CardNumber},
-    {.name = "+CSMINS", .read = ReadInserted, .setting = &ModemSettings::simReports},
+    {.name = "+CSMINS", .read = ReadInserted, .setting = &ModemSettings::simReports, .own = true},
 };
 
 }  // namespace

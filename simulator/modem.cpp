@@ -4,6 +4,12 @@
 
 namespace varkel::sim {
 
+ModemSettings FactorySettings(ModemKind kind) {
+    ModemSettings settings;
+    if (kind == ModemKind::Standard) settings.errors = settings.simReports = 0;
+    return settings;
+}
+
 Modem::Modem(ModemConfig& config, SimCard& sim, Agenda& agenda, Wire& wire, ModemHooks& hooks,
              std::uint64_t seed)
     : m_config(config),
@@ -20,7 +26,7 @@ Modem::Modem(ModemConfig& config, SimCard& sim, Agenda& agenda, Wire& wire, Mode
 void Modem::PowerOn(Millis now) {
     if (m_powered) return;
     m_powered = true;
-    m_settings = {};
+    m_settings = FactorySettings(m_config.kind);
     m_reported = 0;
     StartSim(now);
     m_agenda.At(now + m_config.times.boot, Topic::Start, [this](Millis then) {

@@ -127,7 +127,7 @@ Millis Modem::TimeFor(const std::vector<AtCommand>& commands) const {
     const ModemTimes& times = m_config.times;
     Millis time = commands.empty() ? times.reply : 0;
     for (const AtCommand& command : commands) {
-        const CommandEntry* const entry = FindCommand(command.name);
+        const CommandEntry* const entry = FindCommand(command.name, m_config.kind);
         switch (entry ? entry->pace : Pace::Quick) {
             case Pace::Quick: time = std::max(time, times.reply); break;
             case Pace::Sim: time = std::max(time, times.simReply); break;
@@ -141,7 +141,7 @@ Millis Modem::TimeFor(const std::vector<AtCommand>& commands) const {
 Outcome Modem::Execute(const std::vector<AtCommand>& commands, std::string& answer, Millis now) {
     for (const AtCommand& command : commands) {
         Exchange exchange{*this, command, now, {}};
-        const Outcome outcome = CarryOut(FindCommand(command.name), exchange);
+        const Outcome outcome = CarryOut(FindCommand(command.name, m_config.kind), exchange);
         for (std::size_t i = 0; i < exchange.info.size(); ++i)
             answer += (i == 0 ? "\r\n" : "") + exchange.info[i] + "\r\n";
         if (outcome.kind != Outcome::Kind::Ok) return outcome;

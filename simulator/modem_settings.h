@@ -16,7 +16,8 @@ struct PdpContext {
     std::string accessPoint;
 };
 
-// Lost at power-off. Numbers rather than booleans and enumerations: the command table reads and writes them.
+// Lost at power-off; here as the unit's own module begins. Numbers rather than booleans and enumerations: the
+// command table reads and writes them.
 struct ModemSettings {
     int echo = 1;                 // ATE
     int errors = 2;               // AT+CMEE: 0 plain, 1 by number, 2 in words
@@ -27,6 +28,7 @@ struct ModemSettings {
     int volume = 3;               // AT+CLVL
     int sidetone = 1;             // AT+SIDET
     int networkMode = 2;          // AT+MODODR
+    int accessTechnology = -1;    // AT+COPS, the fourth parameter; any when it is left out
     int baudRate = 115200;        // AT+IPR
     int messageMode = 0;          // AT+CNMI, the first parameter
     int messageReports = 0;       // AT+CNMI, the second: 1 announces a stored message by "+CMTI:"
@@ -70,7 +72,16 @@ struct MessageFaults {
     Millis late = 0;   // every result comes this much later
 };
 
+enum class ModemKind {
+    Unit,      // the module that the unit is made with
+    Standard,  // one that has no more than the commands of 3GPP TS 27.007 and 27.005
+};
+
+// The settings after power-on.
+ModemSettings FactorySettings(ModemKind kind);
+
 struct ModemConfig {
+    ModemKind kind = ModemKind::Unit;
     ModemTimes times;
     StartIndication indication = StartIndication::Honest;
     // AT+CPIN? without a card: "+CPIN: NOT READY" instead of an error.

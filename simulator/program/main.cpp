@@ -1,6 +1,8 @@
 // varkel-sim: the command line.
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <map>
+#include <string>
 #include <utility>
 
 #include "simulator/program/simulator_program.h"
@@ -21,6 +23,12 @@ int main(int argc, char** argv) {
         ->check([](const std::string& pin) -> std::string {
             return SimCard::WellFormed(SimCode::Pin, pin) ? "" : "a PIN has 4 to 8 digits";
         });
+    app.add_option("--modem", options.modem,
+                   "unit: the module that the unit is made with; standard: any other")
+        ->transform(CLI::CheckedTransformer(
+            std::map<std::string, ModemKind>{{"unit", ModemKind::Unit}, {"standard", ModemKind::Standard}},
+            CLI::ignore_case))
+        ->default_str("unit");
     app.add_option("--seed", options.seed, "Chance that repeats")->capture_default_str();
     app.add_flag("--quiet", options.quiet, "Do not show what goes over the serial line");
     app.add_option("program", options.command, "The program that runs on the unit, and its arguments");

@@ -24,6 +24,7 @@ constexpr int notFound = 127;
 
 UnitConfig ConfigFor(const ProgramOptions& options) {
     UnitConfig config;
+    config.modem.kind = options.modem;
     const std::time_t now = std::time(nullptr);
     std::tm local{};
     localtime_r(&now, &local);
@@ -78,7 +79,8 @@ bool SimulatorProgram::Prepare() {
 
     if (!m_options.scenario.empty() && !LoadScenario()) return false;
     std::string fault;
-    auto place = MakeUnitPlace(m_options.unitDirectory, m_options.assets, DialProgramPath(), fault);
+    const UnitParts parts{m_options.assets, DialProgramPath(), m_options.modem};
+    auto place = MakeUnitPlace(m_options.unitDirectory, parts, fault);
     if (!place) {
         m_screen.Say(fault);
         return false;

@@ -28,6 +28,7 @@ struct ProgramOptions {
     std::string assets;
     std::string scenario;  // file name; "" for none
     std::string pin;       // "" for none
+    ModemKind modem = ModemKind::Unit;
     std::uint64_t seed = 1;
     bool quiet = false;  // nothing of what goes over the serial line
     std::vector<std::string> command;

@@ -46,11 +46,11 @@ std::string BusAddress() {
     return usable ? address : "session";
 }
 
-std::string UnitFile(const UnitPlace& place, const std::string& assets, const std::string& dialProgram) {
+std::string UnitFile(const UnitPlace& place, const UnitParts& parts) {
     return "# The simulated unit; written by varkel-sim at every start.\n"
            "[unit]\n"
            "root = flash\n" +
-           (assets.empty() ? std::string() : "assets = " + assets + "\n") +
+           (parts.assets.empty() ? std::string() : "assets = " + parts.assets + "\n") +
            "registry = registry.db\n"
            "initial_registry = registry.txt\n"
            "object_prefix = " +
@@ -60,26 +60,26 @@ std::string UnitFile(const UnitPlace& place, const std::string& assets, const st
            BusAddress() +
            "\n"
            "driver = bus\n" +
-           (dialProgram.empty() ? std::string()
-                                : "dial_up = \"" + dialProgram + "\" \"" + place.directory + "\"\n") +
+           (parts.dialProgram.empty()
+                ? std::string()
+                : "dial_up = \"" + parts.dialProgram + "\" \"" + place.directory + "\"\n") +
            "\n"
            "[serial]\n"
            "COM7: = " +
-           place.tty + "\n";
+           place.tty + "\n" + (parts.modem == ModemKind::Unit ? "" : "\n[modem]\nprofile = auto\n");
 }
 
 }  // namespace
 
-std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, const std::string& assets,
-                                       const std::string& dialProgram, std::string& fault) {
+std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, UnitParts parts, std::string& fault) {
     std::error_code error;
     const std::string absolute = std::filesystem::absolute(directory, error).lexically_normal().string();
-    const std::string absoluteAssets =
-        assets.empty() ? "" : std::filesystem::absolute(assets, error).lexically_normal().string();
+    if (!parts.assets.empty())
+        parts.assets = std::filesystem::absolute(parts.assets, error).lexically_normal().string();
     // What the unit file could not hold as a value, or between quotes.
     const bool bad = absolute.find_first_of("\n\"") != std::string::npos ||
-                     dialProgram.find_first_of("\n\"") != std::string::npos ||
-                     absoluteAssets.find('\n') != std::string::npos;
+                     parts.dialProgram.find_first_of("\n\"") != std::string::npos ||
+                     parts.assets.find('\n') != std::string::npos;
     if (error || bad) {
         fault = "a directory of that name cannot be used";
         return std::nullopt;
@@ -97,7 +97,7 @@ std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, const std::
     }
     // A link that was left over would lead to some other terminal.
     const bool made = there && place.lock && WriteFile(absolute + "/registry.txt", factoryRegistry) &&
-                      WriteFile(place.unitFile, UnitFile(place, absoluteAssets, dialProgram)) &&
+                      WriteFile(place.unitFile, UnitFile(place, parts)) &&
                       (unlink(place.tty.c_str()) == 0 || errno == ENOENT);
     if (!made) {
         fault = absolute + ": " + std::strerror(errno);

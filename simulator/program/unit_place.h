@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/linux/file_descriptor.h"
+#include "simulator/modem_settings.h"
 
 namespace varkel::sim {
 
@@ -16,11 +17,16 @@ struct UnitPlace {
     FileDescriptor lock;       // keeps other simulators out of the directory
 };
 
+// What the unit file names.
+struct UnitParts {
+    std::string assets;       // may be empty
+    std::string dialProgram;  // likewise
+    ModemKind modem = ModemKind::Unit;
+};
+
 // Makes the directory, for the user alone, and writes the files of the unit as it leaves the factory; flash
-// and registry stay as they are. `assets` and `dialProgram` may be empty. Nothing when that fails, and
-// `fault` says why.
-std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, const std::string& assets,
-                                       const std::string& dialProgram, std::string& fault);
+// and registry stay as they are. Nothing when that fails, and `fault` says why.
+std::optional<UnitPlace> MakeUnitPlace(const std::string& directory, UnitParts parts, std::string& fault);
 
 // Where the unit's dialling program stands: beside this one.
 std::string DialProgramPath();

@@ -27,6 +27,15 @@ UnitSettings LoadSettings(const Options& options) {
     return settings;
 }
 
+const ModemProfile* ProfileOf(ModemKind modem) {
+    switch (modem) {
+        case ModemKind::Unit: break;
+        case ModemKind::Standard: return &standardModule;
+        case ModemKind::Auto: return nullptr;
+    }
+    return &unitModule;
+}
+
 // Runs the session until it ends.
 int RunHeadless(const Options& options, LinuxRuntime& runtime, MessageLoop& loop,
                 std::function<void()>& quit) {
@@ -50,7 +59,9 @@ int RunHeadless(const Options& options, LinuxRuntime& runtime, MessageLoop& loop
     HeadlessScreens screens(runtime, loop, terminal, linuxPlatform.GetLanguage());
     Platform platform = linuxPlatform.Services(screens);
     CVarkelDlg dialog(platform, screens,
-                      {.countryCode = settings.countryCode, .pingAddresses = settings.pingAddresses});
+                      {.profile = ProfileOf(settings.modem),
+                       .countryCode = settings.countryCode,
+                       .pingAddresses = settings.pingAddresses});
     HeadlessCommands commands(dialog, platform.windows, platform.codePage, terminal);
     quit = [&dialog] { dialog.Quit(); };
     screens.Start(dialog.State(), [&commands](std::string_view line) { commands.Run(line); });

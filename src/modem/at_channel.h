@@ -31,6 +31,12 @@ enum class AtResult {
     SimNotReady = 15,
 };
 
+// How a command ended.
+enum class FinalResult { None, Ok, Error };
+
+// What the module may use, by the numbers of 3GPP TS 27.007, 7.3.
+enum class AccessTechnology { Any = -1, Gsm = 0, Utran = 2 };
+
 // What OnSendState is told about a short message.
 enum class SendState { Sending = 1, Sent = 2, Failed = 3 };
 
@@ -124,12 +130,22 @@ class CATChannel {
     void cmd_at_cpin();
     void cmd_at_clck(const Facility& facility, int mode, const PhCode& password);
     void cmd_enter_pin(const PinCode& code, const std::optional<PinCode>& second);
+    // The PIN or another code that the SIM or the module waits for, and a PUK with the new PIN, as 3GPP TS
+    // 27.007, 8.3 writes them.
+    void cmd_enter_quoted_pin(const PhCode& code);
+    void cmd_enter_quoted_puk(const PinCode& puk, const PinCode& pin);
     void cmd_set_clip();
     void cmd_send_dtmf(const DtmfKey& key);
     void cmd_set_volume(int level);
     void cmd_set_sidetone();
     void cmd_set_echo(int parameter, int value);
     void cmd_set_apn(const ApnName& apn);
+    // Nothing but a sign of life.
+    void cmd_at();
+    // Has the module repeat what it is sent.
+    void cmd_at_echo();
+    // Has the module choose its network, maybe of one technology only.
+    void cmd_select_access(AccessTechnology technology);
 
     // Writes the PDU that cmd_sendms kept, and forgets it. Nothing is written when there is none.
     void WriteMessage2Port();
@@ -156,6 +172,8 @@ class CATChannel {
     bool DialWasServiceCode() const { return m_dialWasServiceCode; }
     // "AT+CPIN?" was answered by an error; clears the mark.
     bool TakeCpinRefused() { return m_cpinRefused.exchange(false); }
+    // The last OK or ERROR since it was taken.
+    FinalResult TakeFinalResult() { return m_finalResult.exchange(FinalResult::None); }
     bool TakeSimBusy() { return m_simBusy.exchange(false); }
     bool TakeUnderVoltage() { return m_underVoltage.exchange(false); }
     bool UssdSession() const { return m_ussdSession; }
@@ -217,6 +235,7 @@ class CATChannel {
     std::atomic<bool> m_linkUp = false;
     OneShot m_cpinAsked;  // taken by "+CPIN:" and "ERROR"
     std::atomic<bool> m_cpinRefused = false;
+    std::atomic<FinalResult> m_finalResult = FinalResult::None;
     std::atomic<bool> m_simBusy = false;
     std::atomic<bool> m_underVoltage = false;
     std::atomic<bool> m_ussdSession = false;

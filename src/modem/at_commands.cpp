@@ -288,6 +288,17 @@ void CATChannel::cmd_enter_pin(const PinCode& code, const std::optional<PinCode>
                   Secrecy::CarriesCode);
 }
 
+void CATChannel::cmd_enter_quoted_pin(const PhCode& code) {
+    m_log.Trace("[SendATCommond]--cmd_enter_quoted_pin");
+    SendATCommond(CommandLine<100>("AT+CPIN=\"%s\"", code.CStr()).View(), Secrecy::CarriesCode);
+}
+
+void CATChannel::cmd_enter_quoted_puk(const PinCode& puk, const PinCode& pin) {
+    m_log.Trace("[SendATCommond]--cmd_enter_quoted_puk");
+    SendATCommond(CommandLine<100>("AT+CPIN=\"%s\",\"%s\"", puk.CStr(), pin.CStr()).View(),
+                  Secrecy::CarriesCode);
+}
+
 void CATChannel::cmd_set_clip() {
     SendATCommond("AT+CLIP=1");
 }
@@ -310,6 +321,22 @@ void CATChannel::cmd_set_echo(int parameter, int value) {
 
 void CATChannel::cmd_set_apn(const ApnName& apn) {
     SendATCommond(CommandLine<200>("AT+CGDCONT=1,\"IP\",\"%s\"", apn.CStr()).View());
+}
+
+void CATChannel::cmd_at() {
+    SendATCommond("AT");
+}
+
+void CATChannel::cmd_at_echo() {
+    SendATCommond("ATE1");
+}
+
+void CATChannel::cmd_select_access(AccessTechnology technology) {
+    if (technology == AccessTechnology::Any) {
+        SendATCommond("AT+COPS=0");
+        return;
+    }
+    SendATCommond(CommandLine<50>("AT+COPS=0,,,%d", static_cast<int>(technology)).View());
 }
 
 }  // namespace varkel

@@ -191,6 +191,7 @@ void CATChannel::CountFinalResults(std::string_view text, std::string_view resul
 }
 
 void CATChannel::OnFinalError() {
+    m_finalResult = FinalResult::Error;
     if (m_cpinAsked.Take()) m_cpinRefused = true;
     if (m_handlers.OnAtResult) m_handlers.OnAtResult(m_owner, AtResult::Finished);
     if (!m_dialWasServiceCode && dialPending.Take() && m_handlers.OnCallHooked)
@@ -202,6 +203,7 @@ void CATChannel::OnFinalError() {
 }
 
 void CATChannel::OnFinalOk() {
+    m_finalResult = FinalResult::Ok;
     if (m_handlers.OnAtResult) m_handlers.OnAtResult(m_owner, AtResult::Finished);
     if (!m_dialWasServiceCode && dialPending.Take() && m_handlers.OnCallEstablished) {
         m_handlers.OnCallEstablished(m_owner);

@@ -14,7 +14,8 @@ constexpr Ticks usbLimit = 40'000;
 constexpr Ticks usbSettles = 2000;
 constexpr Ticks greetingPause = 100;
 constexpr Ticks readyLimit = 80'000;
-constexpr Ticks slice = 10;  // how soon a changed flag is seen
+constexpr Ticks slice = 10;          // how soon a changed flag is seen
+constexpr Ticks questionPoll = 500;  // how often a module that announces nothing is asked
 constexpr Ticks searchPoll = 1000;
 constexpr Ticks searchLimit = 80'000;
 constexpr Ticks lastPause = 200;
@@ -34,8 +35,9 @@ ModuleOpen::ModuleOpen(Session& session, const Parts& parts, OpenWaits& waits, v
 
 bool ModuleOpen::Run() {
     Begin();
-    const bool open = FindSim() && PowerOn() && OpenLink() && Greet() && AwaitModule() && m_simUnlock.Run() &&
-                      SearchNetwork() && Initialise() && ChooseAccessPoint() && DialData();
+    const bool open = FindSim() && PowerOn() && OpenLink() && Meet() && Greet() && AwaitModule() &&
+                      m_simUnlock.Run() && SearchNetwork() && Initialise() && ChooseAccessPoint() &&
+                      DialData();
     if (open) Finish();
     return open;
 }
@@ -102,23 +104,60 @@ bool ModuleOpen::Initial3GCom() {
     return true;
 }
 
+// Settles which kind of module it is, and that it listens, as far as it does not tell by itself. Only the
+// unit's own kind knows the command that asks for its indications.
+bool ModuleOpen::Meet() {
+    const ModemProfile* const chosen = m_session.options.profile;
+    m_session.state.profile = chosen ? chosen : &unitModule;
+    if (chosen && chosen->ready == ReadySign::Indication) return true;
+    FinalResult result = FinalResult::None;
+    m_session.at.TakeFinalResult();
+    const auto answered = [this, chosen, &result] {
+        result = m_session.at.TakeFinalResult();
+        if (result != FinalResult::None) return true;
+        chosen ? m_session.at.cmd_at() : m_session.at.cmd_at_OriginalMsg();
+        return false;
+    };
+    m_session.screens.ShowOpenStep(OpenStep::AwaitModule, readyLimit);
+    const Ticks start = m_session.platform.runtime.GetTickCount();
+    const Outcome outcome = m_waits.Until(answered, start, readyLimit, questionPoll);
+    if (outcome == Outcome::TimedOut) return Fail("", WarnCode::NetOpenFailed);
+    if (!chosen && result == FinalResult::Error) m_session.state.profile = &standardModule;
+    m_session.platform.log.Trace("[OpenModule]--profile:%s", m_session.state.profile.load()->name);
+    return outcome == Outcome::Done;
+}
+
 bool ModuleOpen::Greet() {
-    m_session.at.cmd_at_OriginalMsg();
-    if (!m_waits.Pause(greetingPause)) return false;
+    const ModemProfile& profile = *m_session.state.profile;
+    if (!RunSteps(profile.greeting)) return false;
     m_session.settings.WriteDword(Settings::networkModeKey, "NetworkMode", networkMode);
-    m_session.at.cmd_at_NetworkMode(networkMode);
+    profile.setNetworkMode(m_session.at, networkMode);
     m_session.at.cmd_at_ipr();
     return m_waits.Pause(greetingPause);
 }
 
 bool ModuleOpen::AwaitModule() {
-    SessionState& state = m_session.state;
+    const bool indicated = m_session.state.profile.load()->ready == ReadySign::Indication;
+    const auto ready = [this, indicated] { return indicated ? Indicated() : SaysTheSimsState(); };
     m_session.screens.ShowOpenStep(OpenStep::AwaitModule, readyLimit);
     const Ticks start = m_session.platform.runtime.GetTickCount();
-    const Outcome outcome =
-        m_waits.Until([&state] { return state.m_bModuleReady || !state.g_bSimOk; }, start, readyLimit, slice);
+    const Outcome outcome = m_waits.Until(ready, start, readyLimit, indicated ? slice : questionPoll);
     if (outcome == Outcome::TimedOut) return Fail("", WarnCode::NetOpenFailed);
-    return outcome == Outcome::Done;
+    // Of a SIM that is not there the user has heard already.
+    return outcome == Outcome::Done && Indicated();
+}
+
+bool ModuleOpen::Indicated() {
+    return m_session.state.m_bModuleReady || !m_session.state.g_bSimOk;
+}
+
+// Asks until the module has something to say.
+bool ModuleOpen::SaysTheSimsState() {
+    SessionState& state = m_session.state;
+    if (state.m_nCpinState != SimState::Unknown) state.m_bModuleReady = true;
+    if (Indicated() || state.m_simPresence == SimPresence::Absent) return true;
+    m_session.at.cmd_at_cpin();
+    return false;
 }
 
 bool ModuleOpen::Registered() {
@@ -154,7 +193,7 @@ bool ModuleOpen::RunSteps(std::span<const InitStep> steps) {
 
 bool ModuleOpen::Initialise() {
     m_session.screens.ShowOpenStep(OpenStep::Initialise, 0);
-    if (!RunSteps(InitStepsBeforeRecords())) return false;
+    if (!RunSteps(m_session.state.profile.load()->beforeRecords)) return false;
     if (!RunSteps(InitStepsBeforePhonebook())) return false;
     if (!m_parts.phonebook.Read(m_waits)) return false;
     m_parts.sim.QueryIdentity(IdQuery::Imsi);

@@ -4,8 +4,8 @@
 #include "modem/serial_link.h"
 #include "session/call_control.h"
 #include "session/data_link.h"
-#include "session/init_sequence.h"
 #include "session/message_handling.h"
+#include "session/modem_profile.h"
 #include "session/open_waits.h"
 #include "session/session.h"
 #include "session/signal_watch.h"
@@ -41,8 +41,11 @@ class ModuleOpen {
     bool PowerOn();
     bool OpenLink();
     bool Initial3GCom();
+    bool Meet();
     bool Greet();
     bool AwaitModule();
+    bool Indicated();
+    bool SaysTheSimsState();
     bool SearchNetwork();
     bool Initialise();
     bool RunSteps(std::span<const InitStep> steps);

@@ -14,6 +14,8 @@ namespace varkel {
 
 // What an integrator chooses for a unit.
 struct SessionOptions {
+    // Null: found out at each opening.
+    const ModemProfile* profile = &unitModule;
     // Put in front of the destination of a message that is not international; empty = nothing is.
     std::string countryCode = "86";
     // Hosts that a link test asks, in this order, IPv4 in numbers; empty = the other end of the dial-up link.

@@ -7,6 +7,7 @@
 #include "platform/fixed_text.h"
 #include "platform/guarded.h"
 #include "platform/runtime.h"
+#include "session/modem_profile.h"
 
 namespace varkel {
 
@@ -41,6 +42,7 @@ struct SessionState {
     std::atomic<bool> m_bAudioDelay = false;
 
     // Open thread.
+    std::atomic<const ModemProfile*> profile = &unitModule;  // of the module that was opened last
     std::atomic<bool> m_bModuleOpen = false;     // from the first step of opening to the end of shutting down
     std::atomic<bool> m_bModulePowered = false;  // the USB link came up after power-on
     std::atomic<bool> m_bPinEntered = false;

@@ -1,6 +1,5 @@
 #include "session/sim_card.h"
 
-#include <array>
 #include <string>
 
 #include "modem/at_values.h"
@@ -12,11 +11,6 @@ namespace {
 
 constexpr Ticks identityWait = 2000;
 constexpr std::size_t longestIdentity = 255;  // characters, as the shared block holds
-
-// The answers to "AT+CPIN?" in the order of the states.
-constexpr std::array<std::string_view, 7> simAnswers{
-    "READY", "SIM PIN", "SIM PUK", "SIM PIN2", "SIM PUK2", "PH-SIM pin", "PH-NET pin",
-};
 
 // The rest of the first line behind its keyword, without the blanks around it.
 std::string_view LineBehind(std::string_view text, std::string_view keyword) {
@@ -35,6 +29,7 @@ void SimCard::OnCpin(std::string_view text) {
     SessionState& state = m_session.state;
     m_session.platform.log.Trace("[BTNEV]enter OnCpin");
     const std::string_view answer = LineBehind(text, "+CPIN:");
+    const auto& simAnswers = state.profile.load()->simAnswers;
     for (std::size_t i = 0; i < simAnswers.size(); ++i) {
         if (answer != simAnswers[i]) continue;
         state.m_nCpinState = static_cast<SimState>(i);

@@ -12,7 +12,6 @@ namespace {
 constexpr Ticks suspectLimit = 40'000;
 constexpr Ticks slice = 10;
 constexpr Ticks answerPause = 500;
-constexpr int switchRequestOff = 0;  // the mode of +CLCK that also ends the SIM's request for its PIN
 
 std::optional<WarnCode> WarningFor(ValueFault fault) {
     if (fault == ValueFault::None) return std::nullopt;
@@ -123,9 +122,7 @@ bool SimUnlock::EnterPin(SimState asked) {
         m_session.platform.log.Trace("[BTNEV]wait for sim ----2!");
         return false;
     }
-    Facility simLock;
-    if (Facility::Parse("SC", simLock) != ValueFault::None) return false;
-    m_session.at.cmd_at_clck(simLock, switchRequestOff, code);
+    state.profile.load()->enterPin(m_session.at, code);
     if (!m_waits.Pause(answerPause)) return false;
     state.m_bPinEntered = true;
     // An answer to an earlier query that came while the user typed is out of date.
@@ -161,7 +158,7 @@ bool SimUnlock::EnterPuk(SimState asked) {
         m_session.platform.log.Trace("[BTNEV]wait for sim ----3!");
         return false;
     }
-    m_session.at.cmd_enter_pin(puk, pin);
+    state.profile.load()->enterPuk(m_session.at, puk, pin);
     if (!m_waits.Pause(answerPause)) return false;
     state.m_bPinEntered = true;
     state.m_nCpinState = SimState::Unknown;

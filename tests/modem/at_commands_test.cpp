@@ -83,6 +83,11 @@ const Command commands[] = {
      "AT+ECHO=-2147483648,2147483647"},
     {"set_apn", [](CATChannel& at) { at.cmd_set_apn(Parsed<ApnName>("CMNET")); },
      "AT+CGDCONT=1,\"IP\",\"CMNET\""},
+    {"quoted pin", [](CATChannel& at) { at.cmd_enter_quoted_pin(Parsed<PhCode>("0012")); },
+     "AT+CPIN=\"0012\""},
+    {"quoted puk",
+     [](CATChannel& at) { at.cmd_enter_quoted_puk(Parsed<PinCode>("12345678"), Parsed<PinCode>("4321")); },
+     "AT+CPIN=\"12345678\",\"4321\""},
     {"sendms",
      [](CATChannel& at) {
          at.cmd_sendms(Parsed<PduText>("0891214365870921F311000D91896745230189F70008000400410042"));

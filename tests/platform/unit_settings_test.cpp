@@ -41,6 +41,8 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
         "COM9: = ttyModem\n"
         "[driver]\n"
         "Get3GPower = constant:1\n"
+        "[modem]\n"
+        "profile = Standard\n"
         "[programs]\n"
         "\\ResidentFlash2\\bin\\IE\\IE.exe = browser \"two words\" --x\n",
         "/etc/unit");
@@ -57,6 +59,7 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
     EXPECT_EQ(settings.bus.kind, BusKind::Address);
     EXPECT_EQ(settings.bus.address, "unix:path=/run/unit/bus");
     EXPECT_EQ(settings.driver, DriverKind::Bus);
+    EXPECT_EQ(settings.modem, ModemKind::Standard);
     EXPECT_EQ(settings.dialUp, (std::vector<std::string>{"/opt/my pppd", "debug"}));
     EXPECT_EQ(settings.pingAddresses, (std::vector<std::string>{"10.0.0.1", "192.168.1.1"}));
     EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB3");

@@ -167,6 +167,31 @@ TEST(Dialogue, KeepsThePhonebook) {
         });
 }
 
+TEST(Dialogue, OfAModuleThatKnowsOnlyTheStandard) {
+    UnitConfig config;
+    config.modem.kind = ModemKind::Standard;
+    BenchUnit bench(config);
+    bench.Do({"pin 1234"});
+    bench.Driver(DrvFunction::Set3GPower, 1);
+    EXPECT_EQ(bench.Pass(30'000), "") << "it announces nothing";
+    bench.Ask("ATE0");
+    Converse(bench, {
+                        {"AT+URCIND=1", "|ERROR|"},
+                        {"AT+MODODR=2", "|ERROR|"},
+                        {"AT+SIDET=0", "|ERROR|"},
+                        {"AT+ECHO=8,512", "|ERROR|"},
+                        {"AT+CSMINS?", "|ERROR|"},
+                        {"AT+CPIN?", "|+CPIN: SIM PIN||OK|"},
+                        {"AT+COPS=0", "|ERROR|"},
+                        {"AT+CMEE=2", "|OK|"},
+                        {"AT+CLCK=\"SC\",0,\"1234\"", "|+CME ERROR: SIM PIN required|"},
+                        {"AT+CPIN=\"1234\"", "|OK|"},
+                        {"AT+CPIN?", "|+CPIN: READY||OK|"},
+                        {"AT+COPS=0,,,2", "|OK|"},
+                        {"AT+COPS=0,,,7", "|+CME ERROR: operation not supported|"},
+                    });
+}
+
 TEST(Dialogue, FollowsTheNetwork) {
     BenchUnit bench;
     bench.Start();

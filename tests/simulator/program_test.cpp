@@ -251,7 +251,7 @@ TEST(Place, IsReadableAsTheProgramReadsIt) {
     TemporaryDirectory directory;
     const std::string path = directory.path + "/a unit";
     std::string fault;
-    auto place = MakeUnitPlace(path, "", "/x y/pppd", fault);
+    auto place = MakeUnitPlace(path, {.dialProgram = "/x y/pppd"}, fault);
     ASSERT_TRUE(place) << fault;
     const UnitSettings settings = LoadUnitSettings(place->unitFile);
     EXPECT_TRUE(settings.errors.empty()) << settings.errors.front();
@@ -265,12 +265,15 @@ TEST(Place, IsReadableAsTheProgramReadsIt) {
     ASSERT_EQ(stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777u, 0700u);
 
-    EXPECT_FALSE(MakeUnitPlace(path, "", "/x y/pppd", fault)) << "one simulator a directory";
+    EXPECT_FALSE(MakeUnitPlace(path, {.dialProgram = "/x y/pppd"}, fault)) << "one simulator a directory";
     EXPECT_EQ(fault, "another simulator runs in " + path);
+    EXPECT_EQ(settings.modem, varkel::ModemKind::Unit);
     place.reset();
-    EXPECT_TRUE(MakeUnitPlace(path, "", "/x y/pppd", fault));
-    EXPECT_FALSE(MakeUnitPlace("/proc/nowhere", "", "", fault));
-    EXPECT_FALSE(MakeUnitPlace("with\na line end", "", "", fault));
+    place = MakeUnitPlace(path, {.modem = ModemKind::Standard}, fault);
+    ASSERT_TRUE(place) << fault;
+    EXPECT_EQ(LoadUnitSettings(place->unitFile).modem, varkel::ModemKind::Auto);
+    EXPECT_FALSE(MakeUnitPlace("/proc/nowhere", {}, fault));
+    EXPECT_FALSE(MakeUnitPlace("with\na line end", {}, fault));
 }
 
 }  // namespace

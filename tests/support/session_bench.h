@@ -35,8 +35,8 @@ struct SessionBench {
         dialog.reset();
     }
 
-    void Start(std::string_view commandLine = "1") {
-        dialog = std::make_unique<CVarkelDlg>(platform, screens);
+    void Start(std::string_view commandLine = "1", SessionOptions options = {}) {
+        dialog = std::make_unique<CVarkelDlg>(platform, screens, std::move(options));
         dialog->OnInitDialog(commandLine, LogLevel::Debug);
     }
 

@@ -34,7 +34,7 @@ std::string Absolute(std::string_view path, const std::string& directory) {
     return (std::filesystem::path(directory) / path).lexically_normal().string();
 }
 
-// The setters of the section [unit]; false when the value cannot be used.
+// The setters of single values; false when the value cannot be used.
 using Set = bool (*)(UnitSettings& settings, const std::string& value, const std::string& directory);
 
 template <std::string UnitSettings::*Member>
@@ -99,6 +99,14 @@ bool SetDriver(UnitSettings& settings, const std::string& value, const std::stri
     return true;
 }
 
+bool SetModem(UnitSettings& settings, const std::string& value, const std::string&) {
+    constexpr std::string_view kinds[] = {"unit", "standard", "auto"};
+    const auto* const known = std::find(std::begin(kinds), std::end(kinds), LowerAscii(value));
+    if (known == std::end(kinds)) return false;
+    settings.modem = static_cast<ModemKind>(known - std::begin(kinds));
+    return true;
+}
+
 bool SetDialUp(UnitSettings& settings, const std::string& value, const std::string&) {
     auto command = SplitCommand(value);
     if (command.empty()) return false;
@@ -122,35 +130,37 @@ bool SetPing(UnitSettings& settings, const std::string& value, const std::string
 }
 
 struct Key {
+    std::string_view section;
     std::string_view name;
     Set set;
 };
 
-constexpr Key unitKeys[] = {
-    {"root", SetPath<&UnitSettings::root>},
-    {"assets", SetPath<&UnitSettings::assets>},
-    {"palette", SetPalette},
-    {"language", SetLanguage},
-    {"system_code_page", SetCodePage},
-    {"country_code", SetCountryCode},
-    {"registry", SetPath<&UnitSettings::registry>},
-    {"initial_registry", SetPath<&UnitSettings::initialRegistry>},
-    {"object_prefix", SetPrefix},
-    {"bus", SetBus},
-    {"driver", SetDriver},
-    {"dial_up", SetDialUp},
-    {"ping", SetPing},
+constexpr Key keys[] = {
+    {"unit", "root", SetPath<&UnitSettings::root>},
+    {"unit", "assets", SetPath<&UnitSettings::assets>},
+    {"unit", "palette", SetPalette},
+    {"unit", "language", SetLanguage},
+    {"unit", "system_code_page", SetCodePage},
+    {"unit", "country_code", SetCountryCode},
+    {"unit", "registry", SetPath<&UnitSettings::registry>},
+    {"unit", "initial_registry", SetPath<&UnitSettings::initialRegistry>},
+    {"unit", "object_prefix", SetPrefix},
+    {"unit", "bus", SetBus},
+    {"unit", "driver", SetDriver},
+    {"unit", "dial_up", SetDialUp},
+    {"unit", "ping", SetPing},
+    {"modem", "profile", SetModem},
 };
 
 // What is wrong with the entry; "" when it was taken.
 std::string Take(const KeyFile::Entry& entry, const std::string& directory, UnitSettings& settings) {
-    if (EqualIgnoringCase(entry.section, "unit")) {
-        for (const Key& key : unitKeys) {
-            if (!EqualIgnoringCase(key.name, entry.key)) continue;
-            return key.set(settings, entry.value, directory) ? "" : "not a value for " + entry.key;
-        }
-        return "unknown key " + entry.key;
+    for (const Key& key : keys) {
+        if (!EqualIgnoringCase(key.section, entry.section) || !EqualIgnoringCase(key.name, entry.key))
+            continue;
+        return key.set(settings, entry.value, directory) ? "" : "not a value for " + entry.key;
     }
+    if (EqualIgnoringCase(entry.section, "unit") || EqualIgnoringCase(entry.section, "modem"))
+        return "unknown key " + entry.key;
     if (EqualIgnoringCase(entry.section, "serial")) {
         if (entry.value.empty()) return "a device without a tty";
         settings.serial[UpperAscii(entry.key)] = Absolute(entry.value, directory);

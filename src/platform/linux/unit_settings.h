@@ -13,11 +13,14 @@
 //     bus = session                       session, system, none, or an address such as unix:path=/run/bus
 //     driver = board                      board (the section [driver]) or bus (another program)
 //     dial_up = /usr/sbin/pppd            the program that dials, see pppd_dial_up.h
-//     ping = 10.0.0.1, 10.0.0.2           hosts that a link test asks; the link's other end when none is
-//     named
+//     ping = 10.0.0.1, 10.0.0.2           hosts that a link test asks; none: the link's other end
 //
 //     [serial]
 //     COM7: = /dev/ttyUSB2                device name and tty
+//
+//     [modem]
+//     profile = unit                      unit: the module that the unit is made with; standard: any other
+//                                         one; auto: whichever answers
 //
 //     [driver]                            see board_kovex_drv.h
 //
@@ -39,6 +42,7 @@
 namespace varkel {
 
 enum class DriverKind { Board, Bus };
+enum class ModemKind { Unit, Standard, Auto };
 
 struct UnitSettings {
     std::string root;
@@ -53,6 +57,7 @@ struct UnitSettings {
     BusOptions bus;
     DriverKind driver = DriverKind::Board;
     BoardAnswers board;
+    ModemKind modem = ModemKind::Unit;
     std::vector<std::string> dialUp;                           // a command
     std::vector<std::string> pingAddresses;                    // IPv4 in numbers, at most 8
     std::map<std::string, std::string> serial;                 // by device name, in capitals
