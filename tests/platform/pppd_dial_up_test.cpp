@@ -86,7 +86,8 @@ TEST_F(PppdDialUpTest, TellsHowFarItIsAndWhyItEnded) {
         {all + all + "printf 'my words are top secret\\033\\n'; exit 19\n",
          {open, device, up, authenticate, authenticated, connected, gone},
          "dial-up: user or password were refused (19); it said last: my words are ****?"},
-        {"head -c 300000 /dev/zero | tr '\\0' x; head -c 300000 /dev/urandom; echo; echo; sleep 1000 &\n"
+        {"head -c 300000 /dev/zero | tr '\\0' x; head -c 300000 /dev/urandom; echo; echo; sleep 1000 & echo "
+         "$! >helper\n"
          "echo 'local  IP address 1.2.3.4'; echo 'remote IP address $(reboot)'; exit 0\n",
          {open, device, connected, gone},
          "dial-up: the other end has closed the link (0); it said last: remote IP address $(reboot)"},
@@ -105,13 +106,15 @@ TEST_F(PppdDialUpTest, TellsHowFarItIsAndWhyItEnded) {
     }
     dialUp.reset();
     EXPECT_LE(test::OpenDescriptors(), descriptors);
+    const auto helper = static_cast<pid_t>(std::stol(test::FileContent(scratch / "helper")));
+    EXPECT_TRUE(ServeUntil([helper] { return kill(helper, 0) != 0; })) << "it leaves nobody behind";
 }
 
 TEST_F(PppdDialUpTest, HangsUpAndLeavesNobodyBehind) {
     Make();
     Install(std::string(connects) +
             "trap 'touch asked; exit 5' TERM\n"
-            "sleep 1000 & echo $! >helper; touch ready; wait\n");
+            "(trap '' TERM; exec sleep 1000) & echo $! >helper; touch ready; wait\n");
     ASSERT_EQ(Dial(), RasError::None);
     ASSERT_TRUE(ServeUntil([this] { return Exists("ready"); }));
     ASSERT_TRUE(Reached(connected));
@@ -129,7 +132,7 @@ TEST_F(PppdDialUpTest, HangsUpAndLeavesNobodyBehind) {
     EXPECT_EQ(states.back(), connected) << "who hangs up needs not be told";
     EXPECT_EQ(dialUp->PeerAddress(first), "");
     const auto helper = static_cast<pid_t>(std::stol(test::FileContent(scratch / "helper")));
-    EXPECT_TRUE(ServeUntil([helper] { return kill(helper, 0) != 0; })) << "the whole group is told";
+    EXPECT_TRUE(ServeUntil([helper] { return kill(helper, 0) != 0; })) << "the whole group ends";
     EXPECT_THAT(problems, IsEmpty());
 
     std::filesystem::remove(scratch / "asked");

@@ -87,6 +87,7 @@ class PppdDialUp::Connection {
         constexpr int mostReads = 16;
         for (int i = 0; i < mostReads && ReadOutput(); ++i) {
         }
+        m_child.Kill();  // what it has left behind in its group
         m_child.Wait(std::chrono::microseconds(0));
         return true;
     }
@@ -110,9 +111,11 @@ class PppdDialUp::Connection {
     void End() {
         constexpr auto patienceWithKill = std::chrono::seconds(1);
         m_child.Terminate();
-        if (m_child.Wait(m_owner.m_patience)) return;
+        pollfd end{m_child.EndDescriptor(), POLLIN, 0};
+        const bool obeyed = Poll({&end, 1}, m_owner.m_patience);
         m_child.Kill();
         const bool ended = m_child.Wait(patienceWithKill);
+        if (obeyed) return;
         Report(m_owner.m_onProblem, ended ? "dial-up: pppd did not end when asked to and was killed"
                                           : "dial-up: pppd does not end; the modem's data port stays in use");
     }

@@ -20,8 +20,8 @@ namespace varkel {
 //
 // as a child in a process group of its own, and a thread follows what it prints. The entry names the modem's
 // data port, the number and the script that dials (data/peers has an example). User and password are options
-// in memory that only the child can read: they stand on no command line, in no environment and in no file. A
-// script in PROGRAM's place ends by "exec pppd", so that its end is pppd's.
+// in memory that only the child can read: they stand on no command line, in no environment and in no file.
+// Nothing in the group outlives PROGRAM, so a script in its place ends by "exec pppd".
 class PppdDialUp final : public DialUp {
   public:
     // Runtime and loop outlive the object. `onProblem` hears, on any thread, why a link did not come or has
