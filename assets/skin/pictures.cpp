@@ -147,7 +147,7 @@ constexpr Picture pictures[] = {
     {"WarnBack/DeskWarn", Files::One, {300, 237}, DrawWarning},
     {"WarnBack/Ok", Files::Two, warnButton, DrawWarnKey, {.icon = "check", .ground = onDialog}},
     {"WarnBack/Cancel", Files::Two, warnButton, DrawWarnKey, {.icon = "close", .ground = onDialog}},
-    {"WarnBack/DeleteChoice", Files::One, {290, 38}, DrawChoiceStrip, {.ground = onDialog}},
+    {"WarnBack/DeleteChoice", Files::One, {296, 38}, DrawChoiceStrip, {.ground = onDialog}},
     {"Other/PromptDlgBack", Files::One, {300, 240}, DrawTip, {.icon = "phrase"}},
     {"Other/BoxBack", Files::One, {520, 280}, DrawTip, {.icon = "info"}},
     {"Other/BoxOk", Files::Two, wide, DrawKey, {.icon = "check", .ground = onDialog}},

@@ -130,7 +130,7 @@ void DrawTip(Painter& painter, const Palette& colors, const Picture& picture, St
 }
 
 void DrawChoiceStrip(Painter& painter, const Palette& colors, const Picture& picture, State) {
-    painter.RoundRect({0, 0, picture.size.width, picture.size.height}, 8, colors.label);
+    painter.Fill({0, 0, picture.size.width, picture.size.height}, colors.label);
 }
 
 }  // namespace varkel::skin

@@ -81,7 +81,7 @@ void CWarnDlg::LayOutButtons() {
 
 void CWarnDlg::OnPaint(Canvas& canvas) {
     const Bitmap* const panel = m_wantDeleteChoice ? LoadPicture("DeleteChoice") : nullptr;
-    if (panel) canvas.BitBlt(*panel, {Place().x + 5, Place().y + 150});
+    if (panel) canvas.BitBlt(*panel, {Place().x + 2, Place().y + 150});
 }
 
 void CWarnDlg::OnTouch(const TouchEvent& event) {

@@ -64,6 +64,7 @@ TEST(Texts, AreThereForEveryKeyThatTheProgramNames) {
         const std::string source = FileContent(file.path());
         for (std::size_t at = 0; (at = source.find(begin, at)) != std::string::npos; at += begin.size()) {
             const std::string name = source.substr(at + 1, source.find('"', at + 1) - at - 1);
+            if (name == "IDS_") continue;  // what all keys begin with
             const char* const section = name == "IDS_3G" ? "Total_Title" : "GPRS";
             EXPECT_TRUE(english.Find(section, name)) << name << " in " << file.path();
             ++named;
