@@ -70,6 +70,14 @@ bool Desktop::IsReached(const Dialog& dialog) const {
     return top != m_stack.rend() && *top == &dialog;
 }
 
+void Desktop::OnSessionChanged() {
+    const std::vector<Dialog*> dialogs = m_stack;
+    for (Dialog* const dialog : dialogs) {
+        // One that was told before may have closed it.
+        if (std::find(m_stack.begin(), m_stack.end(), dialog) != m_stack.end()) dialog->OnSessionChanged();
+    }
+}
+
 Dialog* Desktop::Active() const {
     const auto top = std::find_if(m_stack.rbegin(), m_stack.rend(), [](const Dialog* dialog) {
         return dialog->IsWindowVisible() && dialog->Spec().scope == DialogScope::Everything;

@@ -70,6 +70,8 @@ class Desktop {
     void Remove(Dialog& dialog);
     // A dialog was shown, hidden, enabled or disabled.
     void OnStateChanged();
+    // Tells every dialog, whether it is seen or not.
+    void OnSessionChanged();
     // What would be seen without this dialog and those above it; null when there is no memory for it.
     std::unique_ptr<Surface> PictureBelow(const Dialog& dialog);
 

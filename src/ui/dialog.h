@@ -92,6 +92,8 @@ class Dialog {
     void OnKeyEvent(const KeyEvent& event);
     void OnHover(Point at);
     void CancelTouch();
+    // What the screens show of the session may have changed.
+    virtual void OnSessionChanged() {}
     // For a scroll bar of this dialog.
     void OnScrollEvent(ScrollCode code, int position, CSkinScrollBar& bar);
 

@@ -34,7 +34,9 @@ TextStyle StyleOf(TextRole role, const SkinColors& colors) {
         case TextRole::Secondary: return {DialogFont(24), colors.subMenu};
         case TextRole::Button:
             return {configured(colors.buttonFontSize, colors.buttonFontWeight), colors.buttonFont};
+        case TextRole::Key: return {HeiFont(30), colors.buttonFont};
         case TextRole::Caller: return {HeiFont(22), colors.subMenu};
+        case TextRole::CallerName: return {HeiFont(40), colors.subMenu};
         case TextRole::Digits: return {HeiFont(50), colors.subMenu};
     }
     return {};

@@ -10,12 +10,14 @@ namespace varkel {
 
 // What a text is for decides how it looks.
 enum class TextRole {
-    Title,      // sub-title font and colour
-    Body,       // lists and labels
-    Secondary,  // what stands below or beside them
-    Button,     // captions of buttons
-    Caller,     // who calls
-    Digits,     // a number that is being dialled
+    Title,       // sub-title font and colour
+    Body,        // lists and labels
+    Secondary,   // what stands below or beside them
+    Button,      // captions of buttons
+    Key,         // captions of the keys of a pad
+    Caller,      // who calls, in the size that is his
+    CallerName,  // who calls, once more
+    Digits,      // a number that is being dialled
 };
 
 struct TextStyle {
