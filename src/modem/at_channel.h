@@ -102,6 +102,8 @@ class CATChannel {
     // Dials a voice call, or sends a service code as a USSD request, which takes 500 ms.
     void cmd_dial(const DialString& number);
     void cmd_ussd(int mode, const UssdString& text);
+    // A service code, or the reply to the network's question: sets ussdPending. Takes 500 ms.
+    void RequestUssd(const UssdString& text);
     void cmd_deletems(SimSlot slot);
     void cmd_readms(SimSlot slot);
     // Keeps the PDU for WriteMessage2Port and announces its length.
@@ -191,7 +193,7 @@ class CATChannel {
     OneShot dialPending;
     // Set when the prompt arrives.
     OneShot sendPending;
-    // Set by cmd_dial, taken by "+CUSD:" and "ERROR".
+    // Set by RequestUssd, taken by "+CUSD:" and "ERROR".
     OneShot ussdPending;
     // Set by whoever reads or writes the SIM's phonebook, who also sees to its end.
     OneShot phonebookPending;

@@ -114,19 +114,15 @@ void CATChannel::cmd_answer_call() {
 }
 
 void CATChannel::cmd_dial(const DialString& number) {
-    constexpr Ticks characterSetPause = 500;
     const std::string_view text = number.View();
     if (ChangesCode(text)) m_secrets.CommandSent(m_runtime.GetTickCount());
     m_log.Trace("[SendATCommond]--cmd_dial--number:%s", LogText(m_log, text).CStr());
     m_dialWasServiceCode = IsServiceCode(text);
     if (m_dialWasServiceCode) {
-        cmd_set_cscs_gsm();
-        m_runtime.Sleep(characterSetPause);
-        ussdPending.Set(m_runtime.GetTickCount());
         UssdString service;
         [[maybe_unused]] const ValueFault fault = UssdString::Parse(text, service);
         assert(fault == ValueFault::None);
-        cmd_ussd(1, service);
+        RequestUssd(service);
         return;
     }
     DialString::Text dialled;
@@ -139,6 +135,15 @@ void CATChannel::cmd_dial(const DialString& number) {
 void CATChannel::cmd_ussd(int mode, const UssdString& text) {
     m_log.Trace("[SendATCommond]--cmd_ussd--number:%s", LogText(m_log, text.View()).CStr());
     SendATCommond(CommandLine<400>("AT+CUSD=%d,\"%s\",15", mode, text.CStr()).View());
+}
+
+void CATChannel::RequestUssd(const UssdString& text) {
+    constexpr Ticks characterSetPause = 500;
+    constexpr int request = 1;
+    cmd_set_cscs_gsm();
+    m_runtime.Sleep(characterSetPause);
+    ussdPending.Set(m_runtime.GetTickCount());
+    cmd_ussd(request, text);
 }
 
 void CATChannel::cmd_deletems(SimSlot slot) {

@@ -43,18 +43,22 @@ char16_t Extended(char code) {
 
 }  // namespace
 
-std::size_t NarrowFromGsm(const CodePage& page, std::string_view codes, std::span<char> narrow) {
-    if (narrow.empty()) return 0;
-    codes = codes.substr(0, mostCodes);
-    std::array<char16_t, mostCodes> wide;
-    std::size_t units = 0;
-    for (std::size_t i = 0; i < codes.size(); ++i) {
+std::size_t Utf16FromGsm(std::string_view codes, std::span<char16_t> units) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < codes.size() && count < units.size(); ++i) {
         const char16_t unit = alphabet[codes[i] & 0x7F];
         if (unit != escape)
-            wide[units++] = unit;
+            units[count++] = unit;
         else
-            wide[units++] = ++i < codes.size() ? Extended(codes[i]) : u' ';
+            units[count++] = ++i < codes.size() ? Extended(codes[i]) : u' ';
     }
+    return count;
+}
+
+std::size_t NarrowFromGsm(const CodePage& page, std::string_view codes, std::span<char> narrow) {
+    if (narrow.empty()) return 0;
+    std::array<char16_t, mostCodes> wide;
+    const std::size_t units = Utf16FromGsm(codes.substr(0, mostCodes), wide);
     const std::size_t bytes = page.WideCharToMultiByte({wide.data(), units}, narrow.first(narrow.size() - 1));
     narrow[bytes] = '\0';
     return bytes;

@@ -12,7 +12,6 @@ namespace {
 constexpr std::string_view ringSound = "\\ResidentFlash2\\bin\\ring.wav";
 constexpr Ticks ringLost = 10'000;  // RING comes every 3 to 6 s
 constexpr Ticks speechEnds = 500;
-constexpr Ticks characterSetPause = 200;
 constexpr Ticks longestEnd = 5000;
 constexpr Ticks linkPeriod = 1000;
 constexpr TimerId linkTimer = static_cast<TimerId>(SessionTimer::CallLink);
@@ -71,14 +70,7 @@ void CallControl::OnRing(std::string_view text) {
     });
     if (!ring.acts) return;
     Screens& screens = m_session.screens;
-    if (screens.HideUssd()) {
-        m_worker.Post([this] {
-            m_session.at.cmd_set_cscs_gsm();
-            m_worker.Pause(characterSetPause);
-            UssdString cancel;
-            if (UssdString::Parse("*", cancel) == ValueFault::None) m_session.at.cmd_ussd(0, cancel);
-        });
-    }
+    if (screens.HideUssd()) CancelUssd();
     screens.HideWriteMessage();
     Broadcast(m_session.platform, "UM_CALLIN", 0, 0);
     screens.ShowIncomingCall(true);
@@ -203,6 +195,7 @@ void CallControl::OnCallHooked() {
 
 void CallControl::OnModuleClosed() {
     OnCallHooked();
+    if (m_dialogue.exchange(Dialogue::None) != Dialogue::None) m_session.screens.Repaint();
     const std::shared_ptr<Event> done = m_session.platform.runtime.CreateEvent(EventReset::Manual);
     if (m_worker.Post([done] { done->Set(); })) done->Wait(longestEnd);
 }

@@ -67,6 +67,11 @@ class CallControl {
         return m_call.With([](const Call& call) { return call.m_strCallName; });
     }
 
+    // The number that was reported of the caller; empty without one.
+    std::string CallerNumber() const {
+        return m_call.With([](const Call& call) { return call.m_strCallNumber; });
+    }
+
     // What the user does. Each returns at once; a warning says what is wrong. Any thread but the read thread.
     // Dials and writes the number into the list of dialled calls. False when nothing is dialled.
     bool Dial(std::string_view number);
@@ -81,10 +86,18 @@ class CallControl {
     // One of 0-9 * # + A-D, to the other party of the call that is up.
     void SendTone(std::string_view key);
     void ToggleSpeaker();
+    // Sends the reply to what the network has asked; false when it is none that can be sent.
+    bool AnswerUssd(std::string_view reply);
+    // Ends the dialogue with the network, if there is one.
+    void LeaveUssd();
+    // The network has not answered yet; Repaint is called when that changes.
+    bool AwaitsUssd() const { return m_dialogue == Dialogue::Awaited; }
 
     CallLists& Lists() { return m_lists; }
 
   private:
+    // With the network, by service codes.
+    enum class Dialogue { None, Awaited, ReplyExpected };
     enum class Guard : int { CALL_READY = 0, Establishing = 1, Ending = 2 };
 
     // The worker's jobs.
@@ -113,6 +126,8 @@ class CallControl {
     void WatchLink();
     void ShowCaller(const Call& call);
     void EndServiceCode();
+    void SendReply(const UssdString& reply);
+    void CancelUssd();
     void RestartPoll();
 
     Session& m_session;
@@ -124,6 +139,7 @@ class CallControl {
     mutable Guarded<Call> m_call;
     Guarded<std::string> m_ShowNumStr;  // the number to redial
     std::atomic<Guard> nCallStatus = Guard::CALL_READY;
+    std::atomic<Dialogue> m_dialogue = Dialogue::None;
     std::atomic<bool> m_bUserHangUp = false;
     Guarded<Ticks> m_dwLastRedial;
     std::atomic<bool> m_redialled = false;  // m_dwLastRedial means something

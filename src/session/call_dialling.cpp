@@ -104,9 +104,10 @@ void CallControl::SendDial(const DialString& number, bool withRecord) {
         OnCallHooked();
         return;
     }
+    const bool serviceCode = IsServiceCode(number.View());
+    if (serviceCode) m_dialogue = Dialogue::Awaited;
     m_turn.OneShot([&] {
-        if (!IsServiceCode(number.View()))
-            m_session.at.dialPending.Set(m_session.platform.runtime.GetTickCount());
+        if (!serviceCode) m_session.at.dialPending.Set(m_session.platform.runtime.GetTickCount());
         m_session.at.cmd_dial(number);
     });
     if (withRecord) Record(m_lists.dialled, number.View(), m_book.NameOf(number.View()));
@@ -161,35 +162,6 @@ void CallControl::ToggleSpeaker() {
         if (m_session.platform.driver.GetGprsHpSpkStatus(on))
             m_session.platform.driver.SetGprsHpSpkStatus(on == 0 ? 1 : 0);
     });
-}
-
-// "+CUSD: 1,"text",15": the answer to a service code, which is no call.
-void CallControl::OnUssd(std::string_view text) {
-    m_session.platform.log.Trace("[BTNEV]OnUssd");
-    EndServiceCode();
-    const std::size_t first = text.find('"');
-    const std::size_t last = text.rfind('"');
-    if (first == std::string_view::npos || last <= first) return;
-    m_session.screens.ShowUssd(text.substr(first + 1, last - first - 1));
-}
-
-void CallControl::OnServiceCodeFailed() {
-    EndServiceCode();
-    m_session.screens.Warn(WarnCode::NetOpenFailed);
-}
-
-void CallControl::EndServiceCode() {
-    if (!m_session.at.DialWasServiceCode()) return;
-    const bool ended = ChangeCall([](Call& call) {
-        if (!call.Outgoing() || call.established) return false;
-        call.m_bOutgoingCall = call.m_bRedialCall = false;
-        return true;
-    });
-    if (!ended) return;
-    m_session.at.dialPending.Take();
-    m_session.screens.SetStatusText("");
-    m_session.screens.Repaint();
-    RestartPoll();
 }
 
 }  // namespace varkel

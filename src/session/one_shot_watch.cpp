@@ -41,7 +41,7 @@ void OneShotWatch::OnTimer() {
     }
     if (Expired(at.ussdPending, longestResult, "USSD request")) {
         expired = true;
-        m_session.screens.Warn(WarnCode::NetOpenFailed);
+        m_calls.OnServiceCodeFailed();
     }
     if (expired && ModuleReady(m_session)) m_signal.Start();
     if (!at.OneShotPending()) m_session.platform.loop.KillTimer(timer);

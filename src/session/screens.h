@@ -67,8 +67,9 @@ class Screens {
     virtual void ShowIncomingCall(bool show) = 0;
     // Who calls; an empty text forgets it.
     virtual void SetCallerText(std::string_view text) = 0;
-    // What the network answers to a service code.
-    virtual void ShowUssd(std::string_view text) = 0;
+    // What the network answers to a service code, and whether it waits for a reply. An empty text says that
+    // the dialogue has ended.
+    virtual void ShowUssd(std::string_view text, bool replyExpected) = 0;
     // True when the screen stood there.
     virtual bool HideUssd() = 0;
     virtual void HideWriteMessage() = 0;

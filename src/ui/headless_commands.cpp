@@ -47,6 +47,8 @@ const HeadlessCommands::Command HeadlessCommands::commands[] = {
      [](Self& self, std::string_view number) { self.m_phones.Find(number); }},
     {"dial", "NUMBER", "call it; a service code such as *100# is sent as a request",
      [](Self& self, std::string_view number) { self.m_dialog.Calls().Dial(number); }},
+    {"reply", "TEXT", "answer what the network has asked",
+     [](Self& self, std::string_view text) { self.m_dialog.Calls().AnswerUssd(text); }},
     {"redial", "", "call the number that was dialled last",
      [](Self& self, auto) { self.m_dialog.Calls().OnRedial(); }},
     {"answer", "", "take the call that rings", [](Self& self, auto) { self.m_dialog.Calls().Answer(); }},

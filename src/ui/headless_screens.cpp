@@ -100,8 +100,10 @@ void HeadlessScreens::SetCallerText(std::string_view text) {
     if (!text.empty()) m_terminal.PrintLine("[call] " + std::string(text));
 }
 
-void HeadlessScreens::ShowUssd(std::string_view text) {
-    m_terminal.PrintLine("[network] " + std::string(text));
+void HeadlessScreens::ShowUssd(std::string_view text, bool replyExpected) {
+    if (!text.empty()) m_terminal.PrintLine("[network] " + std::string(text));
+    if (text.empty()) m_terminal.PrintLine("[network] the dialogue has ended");
+    if (replyExpected) m_terminal.PrintLine("[network] expects an answer: \"reply TEXT\"");
 }
 
 void HeadlessScreens::ShowSendTip(SendTip tip) {

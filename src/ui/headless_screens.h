@@ -43,7 +43,7 @@ class HeadlessScreens final : public Screens, public Notices {
     void Warn(WarnCode code) override;
     void ShowIncomingCall(bool show) override;
     void SetCallerText(std::string_view text) override;
-    void ShowUssd(std::string_view text) override;
+    void ShowUssd(std::string_view text, bool replyExpected) override;
     bool HideUssd() override { return false; }
     void HideWriteMessage() override {}
     void ShowSendTip(SendTip tip) override;

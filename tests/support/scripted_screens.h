@@ -34,7 +34,9 @@ class ScriptedScreens final : public Screens {
         Note(show ? "incoming call" : "no incoming call");
     }
     void SetCallerText(std::string_view text) override { Note("caller " + std::string(text)); }
-    void ShowUssd(std::string_view text) override { Note("ussd " + std::string(text)); }
+    void ShowUssd(std::string_view text, bool replyExpected) override {
+        Note("ussd " + std::string(text) + (replyExpected ? "?" : ""));
+    }
     bool HideUssd() override { return false; }
     void HideWriteMessage() override {}
     void ShowSendTip(SendTip tip) override { Note("tip " + std::to_string(static_cast<int>(tip))); }
