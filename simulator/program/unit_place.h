@@ -19,8 +19,8 @@ struct UnitPlace {
 
 // What the unit file names.
 struct UnitParts {
-    std::string assets;       // may be empty
-    std::string dialProgram;  // likewise
+    std::string assets = {};       // may be empty
+    std::string dialProgram = {};  // likewise
     ModemKind modem = ModemKind::Unit;
 };
 

@@ -34,6 +34,8 @@ class LinuxPlatform {
     Registry* GetRegistry() { return m_registry.get(); }
     const Language& GetLanguage() const { return m_language; }
     Log& GetLog() { return m_log; }
+    UnitFiles& GetFiles() { return m_files; }
+    WindowMessages& GetWindows() { return m_windows; }
 
     // Everything, with the message boxes of whoever draws them. Not without a registry.
     Platform Services(Notices& notices);

@@ -12,6 +12,9 @@ std::optional<Options> ParseOptions(int argc, char** argv, int& exitCode) {
     app.add_option("start", options.commandLine, "1 starts in the background and opens the modem")
         ->check(CLI::IsMember({"1"}));
     app.add_flag("--headless", options.headless, "lines on the terminal instead of a window");
+    app.add_flag("--offscreen", options.offscreen, "draw the screens for nobody; commands touch them")
+        ->excludes("--headless");
+    app.add_flag("--fullscreen", options.fullScreen, "fill the panel");
     app.add_option("--unit-file", options.unitFile, "what to know of the unit")->check(CLI::ExistingFile);
     app.add_option("--port", options.port, "the modem's tty, for example /dev/ttyUSB2");
     app.add_option("--assets", options.assets, "the directory of texts, pictures and sounds");

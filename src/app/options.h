@@ -11,10 +11,12 @@ namespace varkel {
 struct Options {
     std::string commandLine;  // "1": a start in the background that opens the module
     bool headless = false;
-    std::string unitFile;  // empty: the defaults of a user's own run
-    std::string port;      // empty: as the unit file says
-    std::string assets;    // likewise
-    std::string palette;   // likewise: night, day or auto
+    bool offscreen = false;   // pictures that nobody sees, for tours and tests
+    bool fullScreen = false;  // a panel of its own
+    std::string unitFile;     // empty: the defaults of a user's own run
+    std::string port;         // empty: as the unit file says
+    std::string assets;       // likewise
+    std::string palette;      // likewise: night, day or auto
     LogLevel logLevel = LogLevel::Debug;
     bool debugOutput = false;
 };

@@ -35,7 +35,7 @@ constexpr DialogSpec spec{
 
 }  // namespace
 
-class MessageBoxes::Box final : public Dialog {
+class NoticeBoxes::Box final : public Dialog {
   public:
     Box(Desktop& desktop, const Question& question)
         : Dialog(desktop, spec),
@@ -51,18 +51,18 @@ class MessageBoxes::Box final : public Dialog {
     std::string m_text;
 };
 
-MessageBoxes::MessageBoxes(Runtime& runtime, Desktop& desktop)
-    : m_runtime(runtime), m_desktop(desktop), m_self(std::make_shared<MessageBoxes*>(this)) {
+NoticeBoxes::NoticeBoxes(Runtime& runtime, Desktop& desktop)
+    : m_runtime(runtime), m_desktop(desktop), m_self(std::make_shared<NoticeBoxes*>(this)) {
     m_desktop.hooks.messageBox = [this](std::string_view text) { ShowMessageBox(text, ""); };
 }
 
-MessageBoxes::~MessageBoxes() {
+NoticeBoxes::~NoticeBoxes() {
     m_desktop.hooks.messageBox = nullptr;
     *m_self = nullptr;
     DismissAll();
 }
 
-MessageBoxes::QuestionPtr MessageBoxes::Ask(std::string_view text, std::string_view caption) {
+NoticeBoxes::QuestionPtr NoticeBoxes::Ask(std::string_view text, std::string_view caption) {
     auto question = std::make_shared<Question>();
     question->text = text;
     question->caption = caption;
@@ -83,31 +83,31 @@ MessageBoxes::QuestionPtr MessageBoxes::Ask(std::string_view text, std::string_v
     return nullptr;
 }
 
-bool MessageBoxes::IsOpen(const QuestionPtr& question) {
+bool NoticeBoxes::IsOpen(const QuestionPtr& question) {
     return m_questions.With([&question](const std::vector<QuestionPtr>& questions) {
         return std::find(questions.begin(), questions.end(), question) != questions.end();
     });
 }
 
-void MessageBoxes::Open(const QuestionPtr& question) {
+void NoticeBoxes::Open(const QuestionPtr& question) {
     if (!IsOpen(question)) return;
     question->box = std::make_unique<Box>(m_desktop, *question);
     question->box->Show([this, question](DialogResult) { Dismiss(question); });
 }
 
-void MessageBoxes::Dismiss(const QuestionPtr& question) {
+void NoticeBoxes::Dismiss(const QuestionPtr& question) {
     m_questions.With([&question](std::vector<QuestionPtr>& questions) { std::erase(questions, question); });
     question->box.reset();
     question->dismissed->Set();
 }
 
-void MessageBoxes::DismissSoon(const QuestionPtr& question) {
+void NoticeBoxes::DismissSoon(const QuestionPtr& question) {
     m_desktop.Loop().Post([self = m_self, question] {
         if (*self) (*self)->Dismiss(question);
     });
 }
 
-void MessageBoxes::DismissAll() {
+void NoticeBoxes::DismissAll() {
     const std::vector<QuestionPtr> open = m_questions.Get();
     for (const QuestionPtr& question : open) {
         m_questions.With([&question](std::vector<QuestionPtr>& all) { std::erase(all, question); });
@@ -116,11 +116,11 @@ void MessageBoxes::DismissAll() {
     }
 }
 
-void MessageBoxes::ShowMessageBox(std::string_view text, std::string_view caption) {
+void NoticeBoxes::ShowMessageBox(std::string_view text, std::string_view caption) {
     Ask(text, caption);
 }
 
-void MessageBoxes::MessageBox(std::string_view text, std::string_view caption, Event* closed) {
+void NoticeBoxes::MessageBox(std::string_view text, std::string_view caption, Event* closed) {
     const QuestionPtr question = Ask(text, caption);
     if (!question) return;
     const auto isClosed = [closed] { return closed && closed->Wait(0) == WaitResult::Object0; };

@@ -14,11 +14,11 @@
 namespace varkel {
 
 // Made and destroyed on the dialog thread.
-class MessageBoxes final : public Notices {
+class NoticeBoxes final : public Notices {
   public:
-    MessageBoxes(Runtime& runtime, Desktop& desktop);
+    NoticeBoxes(Runtime& runtime, Desktop& desktop);
     // No thread may still be inside MessageBox: DismissAll, and the end of those threads, come before.
-    ~MessageBoxes() override;
+    ~NoticeBoxes() override;
 
     void ShowMessageBox(std::string_view text, std::string_view caption) override;
     void MessageBox(std::string_view text, std::string_view caption, Event* closed) override;
@@ -50,7 +50,7 @@ class MessageBoxes final : public Notices {
     Runtime& m_runtime;
     Desktop& m_desktop;
     Guarded<std::vector<QuestionPtr>> m_questions;
-    std::shared_ptr<MessageBoxes*> m_self;  // posted work finds nobody there afterwards
+    std::shared_ptr<NoticeBoxes*> m_self;  // posted work finds nobody there afterwards
 };
 
 }  // namespace varkel

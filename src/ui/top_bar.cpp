@@ -17,7 +17,8 @@ constexpr int signalLeft = 672;
 constexpr int dataLeft = 622;
 constexpr int newMessageLeft = 572;
 constexpr int missedCallLeft = 522;
-constexpr int statusHeight = 24;
+constexpr int cancelLeft = 586;
+constexpr int regular = 400;
 
 constexpr const char* signalTexts[] = {"IDS_NOSIGNALSTR",   "IDS_LOWERSIGNALSTR",  "IDS_LOWSIGNALSTR",
                                        "IDS_GOODSIGNALSTR", "IDS_BETTERSIGNALSTR", "IDS_BESTSIGNALSTR"};
@@ -139,10 +140,22 @@ void TopBar::Draw(Canvas& canvas) const {
     const int statusLeft = DrawTitle(canvas) + gap;
     DrawIndicators(canvas);
     if (!m_showStatus) return;
-    const Rect line{statusLeft, 0, missedCallLeft - gap - statusLeft, place.height};
+    const Rect line{statusLeft, 0, StatusRight() - gap - statusLeft, place.height};
     const TextFormat format =
         TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine | TextFormat::EndEllipsis;
-    canvas.DrawText(StatusLine(), line, format, DialogFont(statusHeight), m_context.desktop.Colors().text);
+    const std::string text = StatusLine();
+    Graphics& graphics = m_context.desktop.GetGraphics();
+    LogFont font = StyleOf(TextRole::Secondary, m_owner.Colors()).font;
+    font.weight = regular;
+    font = FittingFont(graphics, text, font, {line.width, line.height}, false);
+    canvas.DrawText(text, line, format, font, m_context.desktop.Colors().text);
+}
+
+// Where the first indicator stands, or the button that gives something up.
+int TopBar::StatusRight() const {
+    if (m_missed > 0) return missedCallLeft;
+    if (Offer() != CancelOffer::None) return cancelLeft;
+    return m_unread > 0 ? newMessageLeft : dataLeft;
 }
 
 int TopBar::DrawTitle(Canvas& canvas) const {

@@ -49,6 +49,7 @@ class TopBar {
     };
     using Picture = std::shared_ptr<const Bitmap>;
 
+    int StatusRight() const;
     int DrawTitle(Canvas& canvas) const;
     void DrawIndicators(Canvas& canvas) const;
     void DrawIndicator(Canvas& canvas, const Picture& picture, int x) const;

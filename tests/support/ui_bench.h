@@ -86,7 +86,7 @@ struct UiBench {
     OffscreenDisplay display;
     Desktop desktop;
     SoftKeyboard keyboard;
-    MessageBoxes boxes;
+    NoticeBoxes boxes;
 
   private:
     void Touch(TouchAction action, Point at) {

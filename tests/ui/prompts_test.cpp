@@ -111,7 +111,7 @@ TEST(WarnDlg, CanAlwaysBeLeft) {
     }
 }
 
-TEST(MessageBoxes, AThreadWaitsUntilItsBoxIsDismissedOrClosed) {
+TEST(NoticeBoxes, AThreadWaitsUntilItsBoxIsDismissedOrClosed) {
     for (const bool dismissed : {true, false}) {
         test::UiBench bench("night");
         const auto closed = bench.runtime.CreateEvent(EventReset::Manual);
@@ -135,15 +135,15 @@ TEST(MessageBoxes, AThreadWaitsUntilItsBoxIsDismissedOrClosed) {
     }
 }
 
-TEST(MessageBoxes, OneBoxATextAndNoMoreThanTheScreenHolds) {
+TEST(NoticeBoxes, OneBoxATextAndNoMoreThanTheScreenHolds) {
     test::UiBench bench;
     for (int i = 0; i < 100; ++i) {
         bench.boxes.ShowMessageBox("load failed", "");
         bench.boxes.ShowMessageBox(std::to_string(i), "");
     }
     bench.Settle();
-    EXPECT_EQ(bench.desktop.Stack().size(), MessageBoxes::mostBoxes);
-    for (std::size_t i = 0; i < MessageBoxes::mostBoxes; ++i)
+    EXPECT_EQ(bench.desktop.Stack().size(), NoticeBoxes::mostBoxes);
+    for (std::size_t i = 0; i < NoticeBoxes::mostBoxes; ++i)
         bench.Key(KeyCode::Return);
     EXPECT_TRUE(bench.desktop.Stack().empty());
     bench.boxes.ShowMessageBox("load failed", "");
@@ -151,7 +151,7 @@ TEST(MessageBoxes, OneBoxATextAndNoMoreThanTheScreenHolds) {
     EXPECT_EQ(bench.desktop.Stack().size(), 1u);
 }
 
-TEST(MessageBoxes, OnTheDialogThreadABoxIsModalAndTheLoopGoesOn) {
+TEST(NoticeBoxes, OnTheDialogThreadABoxIsModalAndTheLoopGoesOn) {
     test::UiBench bench;
     bool ticked = false;
     bench.Later(20, [&] { ticked = true; });

@@ -1,0 +1,53 @@
+#include "app/unit.h"
+
+#include <cstdio>
+#include <string>
+
+namespace varkel {
+
+namespace {
+
+UnitSettings LoadSettings(const Options& options) {
+    UnitSettings settings =
+        options.unitFile.empty() ? DefaultUnitSettings() : LoadUnitSettings(options.unitFile);
+    if (!options.port.empty()) settings.serial["COM7:"] = options.port;
+    if (!options.assets.empty()) settings.assets = options.assets;
+    settings.palette = ParsePalette(options.palette).value_or(settings.palette);
+    return settings;
+}
+
+const ModemProfile* ProfileOf(ModemKind modem) {
+    switch (modem) {
+        case ModemKind::Unit: break;
+        case ModemKind::Standard: return &standardModule;
+        case ModemKind::Auto: return nullptr;
+    }
+    return &unitModule;
+}
+
+}  // namespace
+
+SessionOptions SessionOptionsOf(const UnitSettings& settings) {
+    return {.profile = ProfileOf(settings.modem),
+            .countryCode = settings.countryCode,
+            .pingAddresses = settings.pingAddresses};
+}
+
+Unit::Unit(Run& run) : m_terminal(run.loop), m_settings(LoadSettings(run.options)) {
+    for (const std::string& error : m_settings.errors)
+        Report("unit file: " + error);
+    m_services.emplace(run.runtime, run.loop, m_settings,
+                       [this](std::string_view problem) { Report(problem); });
+    if (run.options.debugOutput) {
+        m_services->GetLog().SetDebugSink(
+            [](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); });
+    }
+}
+
+void Unit::Report(std::string_view problem) {
+    m_terminal.PrintLine("[unit] " + std::string(problem));
+    if (m_services)
+        m_services->GetLog().Trace("[unit]--%.*s", static_cast<int>(problem.size()), problem.data());
+}
+
+}  // namespace varkel

@@ -1,0 +1,12 @@
+// The way from the main screen to every other one.
+#pragma once
+
+#include "ui/screen_context.h"
+#include "ui/window_screens.h"
+
+namespace varkel {
+
+// Dialog thread. `context` outlives the hooks.
+ScreenHooks PhoneScreens(ScreenContext& context);
+
+}  // namespace varkel
