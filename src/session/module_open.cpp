@@ -18,6 +18,7 @@ constexpr Ticks slice = 10;          // how soon a changed flag is seen
 constexpr Ticks questionPoll = 500;  // how often a module that announces nothing is asked
 constexpr Ticks searchPoll = 1000;
 constexpr Ticks searchLimit = 80'000;
+constexpr Ticks imsiLimit = 5000;
 constexpr Ticks lastPause = 200;
 
 using Outcome = OpenWaits::Outcome;
@@ -201,7 +202,11 @@ bool ModuleOpen::Initialise() {
     return !m_waits.Cancelled();
 }
 
+// A slow module may still owe the IMSI that chooses the operator.
 bool ModuleOpen::ChooseAccessPoint() {
+    const Ticks start = m_session.platform.runtime.GetTickCount();
+    const auto known = [this] { return !m_session.state.m_strImsi.Get().empty(); };
+    if (m_waits.Until(known, start, imsiLimit, slice) == Outcome::Cancelled) return false;
     if (m_parts.data.GetApn()) return true;
     m_session.screens.Warn(WarnCode::NoApn);
     return false;

@@ -38,12 +38,13 @@ TEST(ModemProfile, SpeaksOnlyTheStandardToOtherModules) {
     ASSERT_TRUE(bench.RunUntilOpenEnds());
     bench.RunFor(1000);
     EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Idle);
-    EXPECT_THAT(Sent(bench),
-                ElementsAre("AT", "ATE1", "AT+COPS=0", "AT+IPR=115200", "AT+CPIN?", "AT+CPIN=\"9999\"",
-                            "AT+CPIN?", "AT+CPIN=\"1234\"", "AT+CPIN?", "AT+CSQ", "AT+CSCS=\"GSM\"",
-                            "AT+CSCA?", "AT+CSCA=\"+8613800100500\"", "AT+CPMS=\"SM\",\"SM\",\"SM\"",
-                            "AT+CMGF=0", "AT+CNMI=2,1", "AT+CLIP=1", "AT+CSCS=\"UCS2\"", "AT+CPBS = \"SM\"",
-                            "AT+CPBW=?", "AT+CPBS?", "AT+CIMI", "AT+GSN", "AT+CSQ", "AT+CSCS=\"GSM\""));
+    EXPECT_THAT(
+        Sent(bench),
+        ElementsAre("AT", "ATE1", "AT+COPS=0", "AT+IPR=115200", "AT+CPIN?", "AT+CPIN=\"9999\"", "AT+CPIN?",
+                    "AT+CPIN=\"1234\"", "AT+CPIN?", "AT+CSQ", "AT+CSCS=\"GSM\"", "AT+CSCA?",
+                    "AT+CSCA=\"+8613800100500\"", "AT+CPMS=\"SM\",\"SM\",\"SM\"", "AT+CMGF=0", "AT+CNMI=2,1",
+                    "AT+CLIP=1", "AT+CSCS=\"UCS2\"", "AT+CPBS = \"SM\"", "AT+CPBW=?", "AT+CPBS?", "AT+CIMI",
+                    "AT+GSN", "AT+CGDCONT=1,\"IP\",\"CMNET\"", "AT+CSQ", "AT+CSCS=\"GSM\""));
     EXPECT_EQ(bench.dialog->State().m_strImsi.Get(), "460001234567890");
     EXPECT_EQ(bench.dialog->State().m_strImei.Get(), "867959030000017");
     EXPECT_THAT(bench.LogContent(), HasSubstr("AT+CPIN=\"****\""));
