@@ -72,6 +72,7 @@ struct SessionBench {
     // What the doubles have written down so far.
     void ForgetRecords() {
         unit.TakeTrace();
+        serial.Forget();
         windows.Forget();
         sound.Forget();
         notices.Forget();

@@ -162,6 +162,11 @@ void VirtualSerial::FeedNothing() {
     m_changed->Set();
 }
 
+void VirtualSerial::Forget() {
+    std::lock_guard lock(m_mutex);
+    m_written.clear();
+}
+
 std::string VirtualSerial::Written() {
     std::lock_guard lock(m_mutex);
     return m_written;

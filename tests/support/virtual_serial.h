@@ -39,6 +39,7 @@ class VirtualSerial final : public SerialPort {
     void FeedNothing();
     // Everything written so far.
     std::string Written();
+    void Forget();
     bool Open();
 
     // The device vanishes, or is there again. What was open when it vanished never works again.
