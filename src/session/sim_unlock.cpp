@@ -62,7 +62,10 @@ bool SimUnlock::Run() {
         m_session.platform.log.Trace("[BTNEV]wait for sim return!");
         const SimState asked = m_session.state.m_nCpinState;
         switch (asked) {
-            case SimState::Ready: m_session.platform.log.Trace("[BTNEV]wait for sim ----break!"); return true;
+            case SimState::Ready:
+                m_session.platform.log.Trace("[BTNEV]wait for sim ----break!");
+                m_session.state.g_bSimOk = true;
+                return true;
             case SimState::Pin:
             case SimState::Pin2:
             case SimState::PhSimPin:

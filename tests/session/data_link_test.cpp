@@ -252,6 +252,21 @@ TEST(LinkDiagnosis, NamesTheReason) {
     }
 }
 
+// The module calls a locked SIM unusable; what counts is that it was unlocked.
+TEST(LinkDiagnosis, FindsNoFaultWithASimThatWasUnlocked) {
+    SessionBench bench;
+    bench.unit.Command("pin 1234");
+    bench.screens.Type("1234");
+    bench.Start("");
+    bench.dialog->OpenModule();
+    ASSERT_TRUE(bench.RunUntilOpenEnds());
+    bench.icmp.allSilent = true;
+    std::optional<LinkResult> result;
+    bench.dialog->Data().PingTest([&result](LinkResult found) { result = found; });
+    ASSERT_TRUE(bench.RunUntil([&] { return result.has_value(); }, 30'000));
+    EXPECT_EQ(result->reason, LinkReason::None);
+}
+
 TEST_F(Data, IsTestedOnceForAllWhoAskMeanwhile) {
     Connect();
     bench.icmp.allSilent = true;
