@@ -1,6 +1,7 @@
 #include "ui/headless_commands.h"
 
 #include <charconv>
+#include <optional>
 
 #include "platform/text.h"
 
@@ -14,6 +15,17 @@ struct HeadlessCommands::Command {
 };
 
 using Self = HeadlessCommands;
+
+namespace {
+
+std::optional<std::uint32_t> WholeNumber(std::string_view text, int base) {
+    std::uint32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number, base);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+}  // namespace
 
 const HeadlessCommands::Command HeadlessCommands::commands[] = {
     {"open", "", "switch the modem on", [](Self& self, auto) { self.m_dialog.OpenModule(); }},
@@ -106,10 +118,9 @@ void HeadlessCommands::Help() {
 }
 
 void HeadlessCommands::Key(std::string_view code) {
-    int number = 0;
-    const auto [end, error] = std::from_chars(code.data(), code.data() + code.size(), number, 16);
-    const bool whole = error == std::errc() && end == code.data() + code.size();
-    if (!whole || !m_dialog.OnKey(number)) m_terminal.PrintLine("[error] not a key of the unit");
+    const auto number = WholeNumber(code, 16);
+    if (!number || !m_dialog.OnKey(static_cast<int>(*number)))
+        m_terminal.PrintLine("[error] not a key of the unit");
 }
 
 void HeadlessCommands::Post(std::string_view text) {
@@ -118,15 +129,12 @@ void HeadlessCommands::Post(std::string_view text) {
         text = Trimmed(text.substr(word.size()));
         return word;
     };
-    const auto number = [](std::string_view word) {
-        int value = 0;
-        return ParseInt(word, value) ? static_cast<std::uint32_t>(value) : 0;
-    };
     const std::string_view name = next();
-    WindowMessage message{.id = number(name)};
-    if (message.id == 0) message.id = m_windows.RegisterWindowMessage(name);
-    message.wParam = number(next());
-    message.lParam = number(next());
+    WindowMessage message;
+    const auto number = WholeNumber(name, 10);
+    message.id = number ? *number : m_windows.RegisterWindowMessage(name);
+    message.wParam = WholeNumber(next(), 10).value_or(0);
+    message.lParam = WholeNumber(next(), 10).value_or(0);
     if (!m_windows.PostMessage(m_dialog.Window(), message))
         m_terminal.PrintLine("[error] the window takes no message now");
 }
