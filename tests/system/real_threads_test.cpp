@@ -53,6 +53,34 @@ TEST_F(RealThreads, KeepEveryMessageOfABurstWhileACallRings) {
     EXPECT_EQ(messages.Boxes().outbox.Count(), 1u);
 }
 
+TEST_F(RealThreads, ServeOtherProgramsOverADataLink) {
+    dialUp.connects = true;
+    int heard = 0;
+    const auto listener = windows.AddProgram([&heard](const WindowMessage&) { ++heard; });
+    const auto post = [this](unsigned number, std::uint32_t wParam) {
+        windows.PostMessage(dialog->Window(), {WM_USER + number, wParam, 0});
+    };
+    dialog->OpenModule();
+    ASSERT_TRUE(RunUntil([this] { return dialog->Data().Connected() && Open(); }, 120'000));
+    const auto response = objects.CreateEvent("CGSMData RESP EVENT");
+    for (int round = 0; round < 20; ++round) {
+        response->Reset();
+        post(1000, static_cast<std::uint32_t>(listener));
+        for (const unsigned number : {1002u, 1003u, 1004u, 1005u})
+            post(number, 0);
+        EXPECT_TRUE(RunUntil([&] { return response->Wait(0) == WaitResult::Object0; }, 2000));
+        if (round % 5 == 0) dialUp.Report(RasState::Disconnected);
+        if (round % 5 == 2) dialog->Data().OpenNet();
+    }
+    EXPECT_TRUE(RunUntil([&heard] { return heard >= 20; }, 60'000));
+    post(1001, static_cast<std::uint32_t>(listener));
+    dialog->OnKey(0x5F);
+    EXPECT_TRUE(RunUntil([this] { return dialog->State().MainScreenMode == ScreenMode::Closed; }, 30'000));
+    EXPECT_FALSE(dialog->Data().Exists());
+    dialog->OnKey(0xEE);
+    EXPECT_TRUE(RunUntil([this] { return Open(); }, 120'000));
+}
+
 TEST_F(RealThreads, EndInTheMiddleOfEverything) {
     dialog->OpenModule();
     unit.Command("noise 0.01");
