@@ -72,7 +72,8 @@ TEST_F(DisplayTextTest, HasLettersOfTheHeightThatIsAsked) {
 TEST_F(DisplayTextTest, BreaksOrEndsWithinItsRectangle) {
     const LogFont font{"黑体", 22, 700};
     const Rect rect{5, 36, 290, 120};
-    const std::string text = "打开3G串口失败，机器需要重启，3G才能正常使用 and then some more words that need room";
+    const std::string text =
+        "打开3G串口失败，机器需要重启，3G才能正常使用 and then some more words that need room";
     const Size size = graphics.MeasureText(text, font, rect.width);
     EXPECT_LE(size.width, rect.width);
     EXPECT_EQ(size.height, 4 * 22);

@@ -4,6 +4,7 @@
 #include <cairo.h>
 #include <glib-object.h>
 #include <memory>
+#include <pango/pango.h>
 
 namespace varkel {
 
@@ -15,6 +16,11 @@ struct CairoRelease {
 using CairoSurfaceHandle = std::unique_ptr<cairo_surface_t, CairoRelease>;
 using CairoHandle = std::unique_ptr<cairo_t, CairoRelease>;
 using CairoFontOptions = std::unique_ptr<cairo_font_options_t, CairoRelease>;
+
+struct PangoFontRelease {
+    void operator()(PangoFontDescription* font) const { pango_font_description_free(font); }
+};
+using PangoFontHandle = std::unique_ptr<PangoFontDescription, PangoFontRelease>;
 
 struct GObjectRelease {
     void operator()(void* object) const { g_object_unref(object); }

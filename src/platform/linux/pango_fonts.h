@@ -11,10 +11,7 @@ namespace varkel {
 
 // A LogFont as Pango takes it.
 struct PangoFace {
-    struct Release {
-        void operator()(PangoFontDescription* description) const { pango_font_description_free(description); }
-    };
-    std::unique_ptr<PangoFontDescription, Release> description;
+    PangoFontHandle description;
     int lineHeight = 0;  // pixels from one line to the next
     int ascent = 0;      // pixels from the top of a line to its base line
 };
