@@ -51,6 +51,17 @@ TEST(SoftKeyboard, DocksWhereTheFieldStaysVisibleAndTellsTheDialog) {
     EXPECT_EQ(bench.dialog.SipRect(), (Rect{1, 1, 798, 194}));
     EXPECT_EQ(bench.keyboard.Place(), bench.dialog.SipRect());
 
+    // Another keyboard program's word counts as well.
+    bench.windows.PostMessage(bench.dialog.Window(),
+                              {bench.windows.RegisterWindowMessage("UM_UMOVESIPDOWN"), 0, 0});
+    bench.Settle();
+    EXPECT_EQ(bench.dialog.SipRect(), (Rect{1, 285, 798, 194}));
+    bench.dialog.SetFocus(nullptr);
+    bench.windows.PostMessage(bench.dialog.Window(),
+                              {bench.windows.RegisterWindowMessage("UM_UMODIFYFOCUS"), 0, 0});
+    bench.Settle();
+    EXPECT_EQ(bench.dialog.Focus(), &bench.Field(lower));
+
     // Put away, and back by another touch of the same field.
     bench.TapKey(KeyAction::Done);
     EXPECT_FALSE(bench.keyboard.IsWindowVisible());
