@@ -80,32 +80,39 @@ void ListBox::DrawRow(Canvas& canvas, int row) const {
     if (content.emphasised) text.color = palette.accent;
     if (selected) text.color = small.color = palette.pressedText;
 
-    Rect left{place.x + margin, place.y, place.width - 2 * margin, place.height};
+    // In languages that are read from the right everything stands the other way round.
+    const bool mirrored = Parent().GetDesktop().ReadsRightToLeft();
+    const auto side = [&place, mirrored](const Rect& rect) {
+        return mirrored ? Rect{place.x + place.Right() - rect.Right(), rect.y, rect.width, rect.height}
+                        : rect;
+    };
+    const TextFormat format = lineFormat | (mirrored ? TextFormat::Right : TextFormat::Left);
+    const Rect inside{place.x + margin, place.y, place.width - 2 * margin, place.height};
+
+    int left = inside.x;
     if (const Bitmap* const picture = selected ? content.selectedPicture : content.picture) {
         const Size size = picture->GetSize();
-        canvas.TransparentImage(*picture,
-                                {left.x, place.y + (place.height - size.height) / 2, size.width, size.height},
-                                Rgb(0xFF, 0x00, 0xFF));
-        left.x += size.width + margin;
-        left.width -= size.width + margin;
+        canvas.TransparentImage(
+            *picture, side({left, place.y + (place.height - size.height) / 2, size.width, size.height}),
+            Rgb(0xFF, 0x00, 0xFF));
+        left += size.width + margin;
     }
     // Two lines are set close to each other, with room above and below them.
     const bool twoLines = !content.detail.empty();
-    const int split = twoLines ? place.height * 7 / 12 : place.height;
-    const int top = twoLines ? place.y + place.height / 14 : place.y;
-    Rect first{left.x, top, left.width, split - (top - place.y)};
+    const int split = place.y + (twoLines ? place.height * 7 / 12 : place.height);
+    const int rim = twoLines ? place.height / 14 : 0;
+    Rect first{left, place.y + rim, inside.Right() - left, split - place.y - rim};
     if (!content.note.empty()) {
-        const int width = std::min(
-            Parent().GetDesktop().GetGraphics().MeasureText(content.note, small.font).width, left.width / 2);
-        canvas.DrawText(content.note, {first.Right() - width, first.y, width, first.height}, lineFormat,
+        const int needed = Parent().GetDesktop().GetGraphics().MeasureText(content.note, small.font).width;
+        const int width = std::min(needed, first.width / 2);
+        canvas.DrawText(content.note, side({first.Right() - width, first.y, width, first.height}), format,
                         small.font, small.color);
         first.width -= width + margin;
     }
-    const TextFormat side = Parent().GetDesktop().ReadsRightToLeft() ? TextFormat::Right : TextFormat::Left;
-    canvas.DrawText(content.text, first, lineFormat | side, text.font, text.color);
+    canvas.DrawText(content.text, side(first), format, text.font, text.color);
     if (!twoLines) return;
-    const Rect second{left.x, place.y + split, left.width, place.height - split - place.height / 14};
-    canvas.DrawText(content.detail, second, lineFormat | side, small.font, small.color);
+    const Rect second{left, split, inside.Right() - left, place.Bottom() - rim - split};
+    canvas.DrawText(content.detail, side(second), format, small.font, small.color);
 }
 
 void ListBox::AppendTargets(std::vector<TouchTarget>& targets) const {
