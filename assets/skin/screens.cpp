@@ -111,11 +111,8 @@ void DrawPlainScreen(Painter& painter, const Palette& colors, const Picture&, St
 }
 
 void DrawNumberScreen(Painter& painter, const Palette& colors, const Picture&, State) {
-    constexpr Color darkGrey{0x33, 0x33, 0x33};
     DrawBar(painter, colors);
     DrawPanel(painter, colors, {8, 58, 386, 304});
-    for (const int y : {108, 240})
-        painter.RoundRect({24, y, 354, 72}, 10, darkGrey, {colors.edge});
 }
 
 void DrawWarning(Painter& painter, const Palette& colors, const Picture& picture, State) {

@@ -23,4 +23,11 @@ Language::Language(UnitFiles& files, std::string_view name) : m_name(name) {
     if (const auto text = files.ReadWhole(path, largestLanguageFile)) m_texts = KeyFile::Parse(*text);
 }
 
+std::string Language::Embedded(std::string_view text) const {
+    constexpr std::string_view isolate = "\u2068";
+    constexpr std::string_view endIsolate = "\u2069";
+    if (!ReadsRightToLeft()) return std::string(text);
+    return std::string(isolate).append(text).append(endIsolate);
+}
+
 }  // namespace varkel

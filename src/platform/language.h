@@ -30,9 +30,13 @@ class Language {
 
     // "english", "chinese", "tchinese", "russian", "portugal" or "arabic".
     const std::string& GetLanguage() const { return m_name; }
+    bool ReadsRightToLeft() const { return m_name == "arabic"; }
     LanguageSection BeginLoadString(std::string_view section) const { return {m_texts, section}; }
     // One text of the section "GPRS", where nearly all stand.
     std::string LoadString(std::string_view key) const { return BeginLoadString("GPRS").LoadString(key); }
+
+    // A name or number as a part of a sentence, where it keeps its own direction.
+    std::string Embedded(std::string_view text) const;
 
   private:
     std::string m_name;

@@ -116,7 +116,7 @@ void CallControl::ShowCaller(const Call& call) {
     const std::string name = call.m_strCallName.empty()
                                  ? m_session.platform.language.LoadString("IDS_UNKNOWN_CALLER")
                                  : call.m_strCallName;
-    m_session.screens.SetCallerText(name + " " + rings);
+    m_session.screens.SetCallerText(m_session.platform.language.Embedded(name) + " " + rings);
 }
 
 void CallControl::OnCallEstablished() {

@@ -51,13 +51,15 @@ bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
         return false;
     }
     m_signal.Stop();
-    std::string text = m_session.platform.language.LoadString("IDS_CALLING");
+    const Language& language = m_session.platform.language;
+    std::string text = language.LoadString("IDS_CALLING");
     const std::string name = m_book.NameOf(number);
     m_call.With([&name](Call& call) {
         if (call.Outgoing()) call.m_strCallName = name;
     });
     const std::size_t place = text.find("%s");
-    text = place == std::string::npos ? text + " " + name : text.replace(place, 2, name);
+    const std::string party = language.Embedded(name);
+    text = place == std::string::npos ? text + " " + party : text.replace(place, 2, party);
     m_session.screens.SetStatusText(text);
     m_session.screens.Repaint();
     return true;

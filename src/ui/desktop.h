@@ -57,7 +57,7 @@ class Desktop {
     Settings& GetSettings() { return m_settings; }
     const Palette& Colors() const { return m_palette; }
     TimerNumbers& Numbers() { return m_timerNumbers; }
-    bool ReadsRightToLeft() const { return m_services.language.GetLanguage() == "arabic"; }
+    bool ReadsRightToLeft() const { return m_services.language.ReadsRightToLeft(); }
 
     void Invalidate(const Rect& rect);
     // The dialog that keys go to; null when nothing is shown.

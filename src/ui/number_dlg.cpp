@@ -26,7 +26,7 @@ constexpr TextSpec texts[] = {
     {titleId, {14, 0, 772, 50}, "", TextRole::Title, oneLine},
     {labelIds[0], {24, 66, 354, 40}, "", TextRole::Body, oneLine, TextGround::Static},
     {labelIds[1], {24, 198, 354, 40}, "", TextRole::Body, oneLine, TextGround::Static},
-    {messageId, {24, 192, 354, 162}, "", TextRole::Secondary, TextFormat::Left | TextFormat::WordBreak},
+    {messageId, {24, 156, 354, 198}, "", TextRole::Secondary, TextFormat::Left | TextFormat::WordBreak},
 };
 
 constexpr EditSpec Field(int id, int top) {
@@ -37,6 +37,8 @@ constexpr EditSpec Field(int id, int top) {
             .height = 40};
 }
 constexpr EditSpec edits[] = {Field(fieldIds[0], 108), Field(fieldIds[1], 240)};
+// Of the first field when it has no label.
+constexpr Rect unlabelledField{24, 74, 354, 72};
 
 constexpr ButtonSpec Key(int column, int row, int id, std::string_view caption) {
     constexpr int lefts[] = {402, 534, 666};
@@ -101,11 +103,12 @@ void CNumberDlg::OnInitDialog() {
         label.ShowWindow(!labels[i]->empty());
         Get<EditField>(fieldIds[i]).SetColors(fieldText, fieldGround);
     }
-    const bool second = !m_request.secondLabel.empty();
-    Get<EditField>(fieldIds[1]).ShowWindow(second);
-    Get<StaticText>(messageId).SetWindowText(second ? "" : m_message);
+    auto& first = Get<EditField>(fieldIds[0]);
+    if (m_request.firstLabel.empty()) first.MoveWindow(unlabelledField);
+    Get<EditField>(fieldIds[1]).ShowWindow(!m_request.secondLabel.empty());
+    Get<StaticText>(messageId).SetWindowText(m_message);
     m_entry = {};
-    SetFocus(&Get<EditField>(fieldIds[0]));
+    SetFocus(&first);
 }
 
 void CNumberDlg::OnDestroy() {

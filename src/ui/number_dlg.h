@@ -17,7 +17,7 @@ enum class NumberMode : int { Code = 0, UssdReply = 2 };
 // It stays open, with a warning above it, while the entry is not what the request accepts.
 class CNumberDlg final : public Dialog {
   public:
-    // `message` is what the reply is for, shown below a single field.
+    // `message` is what the reply is for, shown below a single field without a label.
     CNumberDlg(ScreenContext& context, CodeRequest request, NumberMode mode = NumberMode::Code,
                std::string message = {});
 

@@ -13,7 +13,7 @@
 
 namespace varkel::test {
 
-class ScriptedScreens final : public Screens {
+class ScriptedScreens : public Screens {
   public:
     explicit ScriptedScreens(Runtime& runtime)
         : m_typed(runtime.CreateEvent(EventReset::Automatic)),
