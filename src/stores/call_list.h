@@ -34,6 +34,10 @@ class CallList {
     [[nodiscard]] StoreResult Delete(std::span<const CallRecord> shown, std::size_t row) {
         return m_file.Delete(shown, row);
     }
+    // All that were shown, and none that came since.
+    [[nodiscard]] StoreResult DeleteShown(std::span<const CallRecord> shown) {
+        return m_file.DeleteShown(shown);
+    }
     [[nodiscard]] StoreResult DeleteAll() { return m_file.DeleteAll(); }
 
     // In the unit's text code page; empty when there is no record.

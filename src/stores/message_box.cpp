@@ -34,6 +34,10 @@ StoreResult MessageBox::Delete(std::span<const SmsRecord> shown, std::size_t row
     return m_file.Delete(shown, row, IsSameMessage);
 }
 
+StoreResult MessageBox::DeleteShown(std::span<const SmsRecord> shown) {
+    return m_file.DeleteShown(shown, offsetof(SmsRecord, Index));
+}
+
 StoreResult MessageBox::MarkRead(std::span<const SmsRecord> shown, std::size_t row) {
     if (m_box != SmsBox::Inbox) return StoreResult::Done;
     const auto open = [](List&, SmsRecord& record) {

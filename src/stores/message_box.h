@@ -37,6 +37,8 @@ class MessageBox {
     [[nodiscard]] StoreResult Delete(std::span<const SmsRecord> shown, std::size_t row);
     // Makes an unread message of the inbox an opened one; leaves everything else as it is.
     [[nodiscard]] StoreResult MarkRead(std::span<const SmsRecord> shown, std::size_t row);
+    // All that were shown, and none that came since.
+    [[nodiscard]] StoreResult DeleteShown(std::span<const SmsRecord> shown);
     [[nodiscard]] StoreResult DeleteAll() { return m_file.DeleteAll(); }
 
   private:

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <unordered_map>
 #include <vector>
 
 #include "stores/store_file.h"
@@ -37,6 +38,16 @@ Record* FindSeen(std::vector<Record>& list, const Record& seen, std::size_t posi
     if (before != list.rend()) return &*before;
     const auto behind = std::find_if(after, list.end(), looksAlike);
     return behind != list.end() ? &*behind : nullptr;
+}
+
+// In which row a screen shows now what it showed in `row` of the list `shown`, or its place when that is
+// gone.
+template <class Record, class Same = SameBytes>
+int RowNow(std::vector<Record>& list, std::span<const Record> shown, int row, Same same = {}) {
+    const Record* const seen = row < 0 ? nullptr : AtRow(shown, static_cast<std::size_t>(row));
+    if (!seen) return row;
+    const Record* const found = FindSeen(list, *seen, static_cast<std::size_t>(seen - shown.data()), same);
+    return found ? static_cast<int>(list.data() + list.size() - 1 - found) : row;
 }
 
 // Threads, locking and files that are damaged: see StoreFile. A list is in the order of the file.
@@ -112,6 +123,26 @@ class RecordFile {
             list.erase(list.begin() + (&record - list.data()));
         };
         return UpdateRow(SpaceGuard::Off, shown, row, erase, same);
+    }
+
+    // What has come since the list was shown stays. Records are the same when their first bytes are.
+    [[nodiscard]] StoreResult DeleteShown(std::span<const Record> shown,
+                                          std::size_t sameBytes = sizeof(Record)) {
+        const auto key = [sameBytes](const Record& record) {
+            return std::string_view(reinterpret_cast<const char*>(&record), sameBytes);
+        };
+        std::unordered_map<std::string_view, std::size_t> toDelete;
+        for (const Record& record : shown)
+            ++toDelete[key(record)];
+        return Update(SpaceGuard::Off, [&](List& list) {
+            std::erase_if(list, [&](const Record& record) {
+                const auto found = toDelete.find(key(record));
+                if (found == toDelete.end() || found->second == 0) return false;
+                --found->second;
+                return true;
+            });
+            return StoreResult::Done;
+        });
     }
 
     // Leaves a file of no bytes.
