@@ -142,18 +142,19 @@ void ListBox::OnTouchUp(Point at) {
 
 bool ListBox::OnKey(const KeyEvent& event) {
     switch (event.code) {
-        case KeyCode::Up: MoveSelection(-1); return true;
-        case KeyCode::Down: MoveSelection(1); return true;
+        case KeyCode::Up: SelectByKey(m_selected - 1); return true;
+        case KeyCode::Down: SelectByKey(m_selected + 1); return true;
         case KeyCode::PageUp: PageUp(); return true;
         case KeyCode::PageDown: PageDown(); return true;
-        case KeyCode::Home: SelectRow(0); return true;
-        case KeyCode::End: SelectRow(Count() - 1); return true;
+        case KeyCode::Home: SelectByKey(0); return true;
+        case KeyCode::End: SelectByKey(Count() - 1); return true;
         default: return false;
     }
 }
 
-void ListBox::MoveSelection(int by) {
-    SelectRow(std::clamp(m_selected + by, 0, std::max(0, Count() - 1)));
+void ListBox::SelectByKey(int row) {
+    SelectRow(std::clamp(row, 0, std::max(0, Count() - 1)));
+    if (onSelect) onSelect();
 }
 
 }  // namespace varkel

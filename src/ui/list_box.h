@@ -44,6 +44,8 @@ class ListBox final : public Control {
     void PageDown() { SetTopRow(TopRow() + VisibleRows()); }
 
     std::function<void(int row)> onTap;
+    // A key has selected another row.
+    std::function<void()> onSelect;
     // The top row is another one than before, whoever moved it.
     std::function<void()> onScroll;
 
@@ -58,7 +60,7 @@ class ListBox final : public Control {
 
   private:
     void SetOffset(int offset);
-    void MoveSelection(int by);
+    void SelectByKey(int row);
     Rect PlaceOf(int row) const;
     void DrawRow(Canvas& canvas, int row) const;
 
