@@ -18,7 +18,8 @@ MessageHandling::MessageHandling(Session& session, CommandTurn& turn, CallContro
       m_boxes(session.platform.files, session.platform.log),
       m_receiving(session, turn, calls, m_boxes.inbox, m_worker),
       m_sending(session, turn, signal, m_boxes.outbox, m_worker),
-      m_worker(session.platform.runtime, "messages") {}
+      m_worker(session.platform.runtime, "messages"),
+      m_editing(session, m_boxes, m_sending, [this] { Wake(); }) {}
 
 MessageHandling::~MessageHandling() {
     m_session.platform.loop.KillTimer(static_cast<TimerId>(SessionTimer::SendTip));

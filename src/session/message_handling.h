@@ -4,6 +4,7 @@
 #include <atomic>
 #include <string_view>
 
+#include "session/message_editing.h"
 #include "session/message_receiving.h"
 #include "session/message_sending.h"
 
@@ -38,6 +39,8 @@ class MessageHandling {
     bool ServesClient() const { return m_sending.ServesClient(); }
 
     MessageBoxes& Boxes() { return m_boxes; }
+    // What the screens change in them.
+    MessageEditing& Editing() { return m_editing; }
 
   private:
     void Wake();
@@ -49,7 +52,8 @@ class MessageHandling {
     MessageReceiving m_receiving;
     MessageSending m_sending;
     std::atomic<bool> m_woken = false;
-    Worker m_worker;  // last: its thread ends first
+    Worker m_worker;
+    MessageEditing m_editing;  // last: its thread ends first
 };
 
 }  // namespace varkel

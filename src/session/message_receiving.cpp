@@ -190,6 +190,7 @@ MessageReceiving::Reading MessageReceiving::Keep(SimSlot slot, std::string_view 
     }
     const StoreResult result = m_inbox.Append(record);
     if (result == StoreResult::VolumeFull) m_session.screens.Warn(WarnCode::NandFull);
+    m_session.screens.Repaint();
     m_announcedUnkept[index] = result != StoreResult::Done;
     return result == StoreResult::Done ? Reading::Kept : Reading::NotKept;
 }

@@ -50,15 +50,19 @@ MessageSending::MessageSending(Session& session, CommandTurn& turn, SignalWatch&
     : m_session(session), m_turn(turn), m_signal(signal), m_outbox(outbox), m_worker(worker) {}
 
 bool MessageSending::SendSMDll(std::string_view number, std::string_view text, Sender sender) {
-    const bool accepted = Accept(number, text, sender);
+    const bool accepted =
+        Accept(number, NarrowFromUtf8(m_session.platform.codePage, text, longestText), sender);
     if (!accepted && sender == Sender::Client && m_sent) m_sent->Reset();
     return accepted;
 }
 
-bool MessageSending::Accept(std::string_view number, std::string_view text, Sender sender) {
+bool MessageSending::SendWritten(std::string_view number, std::string_view text) {
+    constexpr std::size_t longest = sizeof(SmsRecord::szContent) - 1;
+    return Accept(number, NarrowFromUtf8(m_session.platform.codePage, text, longest), Sender::User);
+}
+
+bool MessageSending::CheckNumber(std::string_view number, FixedText<16>& destination) const {
     Screens& screens = m_session.screens;
-    const CodePage& page = m_session.platform.codePage;
-    FixedText<16> destination;
     if (Trimmed(number).empty()) {
         screens.Warn(WarnCode::NoNumber);
         return false;
@@ -68,7 +72,15 @@ bool MessageSending::Accept(std::string_view number, std::string_view text, Send
         screens.Warn(fault == ValueFault::TooLong ? WarnCode::NumberLong : WarnCode::NumberInvalid);
         return false;
     }
-    const SmsPduRecord message = Compose(destination.View(), NarrowFromUtf8(page, text, longestText));
+    return true;
+}
+
+bool MessageSending::Accept(std::string_view number, std::string_view narrowText, Sender sender) {
+    FixedText<16> destination;
+    if (!CheckNumber(number, destination)) return false;
+    Screens& screens = m_session.screens;
+    const CodePage& page = m_session.platform.codePage;
+    const SmsPduRecord message = Compose(destination.View(), narrowText);
     FixedText<512> hex;
     PduText pdu;
     const bool fits =
@@ -106,6 +118,7 @@ void MessageSending::Record(const SmsPduRecord& message) {
     const StoreResult result =
         m_outbox.Append(MakeSmsRecord(time, message.TPA.View(), message.TP_UD.View(), SmsState::Opened));
     if (result == StoreResult::VolumeFull) m_session.screens.Warn(WarnCode::NandFull);
+    m_session.screens.Repaint();
 }
 
 void MessageSending::OnMsCenterNo(std::string_view text) {

@@ -43,6 +43,11 @@ class MessageSending {
     // the result by its event, and what it sends above the limit leaves no trace. Any thread but the read
     // thread; takes as long as the flash needs.
     bool SendSMDll(std::string_view number, std::string_view text, Sender sender = Sender::User);
+    // The same for what the user wrote on the screen: as much of it as a record holds, which is more than a
+    // message ever has.
+    bool SendWritten(std::string_view number, std::string_view text);
+    // False, and the user has been told why, when no message can go there. Any thread.
+    bool CheckNumber(std::string_view number, FixedText<16>& destination) const;
     // The message that is being sent is another program's.
     bool ServesClient() const { return m_sender == Sender::Client; }
 
@@ -72,7 +77,7 @@ class MessageSending {
         Sender sender = Sender::User;
     };
 
-    bool Accept(std::string_view number, std::string_view text, Sender sender);
+    bool Accept(std::string_view number, std::string_view narrowText, Sender sender);
     SmsPduRecord Compose(std::string_view destination, std::string_view text) const;
     bool Queue(const Waiting& message);
     void Record(const SmsPduRecord& message);

@@ -4,8 +4,8 @@
 
 namespace varkel {
 
-Worker::Worker(Runtime& runtime, const std::string& name)
-    : m_ending(runtime.CreateEvent(EventReset::Manual)) {
+Worker::Worker(Runtime& runtime, const std::string& name, AtEnd atEnd)
+    : m_atEnd(atEnd), m_ending(runtime.CreateEvent(EventReset::Manual)) {
     m_thread = runtime.CreateThread({.name = name, .suspended = true}, [this, &runtime] {
         // A resume that comes while a job runs is remembered, so that no job waits for the next one.
         for (;;) {
@@ -22,7 +22,7 @@ Worker::Worker(Runtime& runtime, const std::string& name)
 Worker::~Worker() {
     {
         std::lock_guard lock(m_mutex);
-        m_jobs.clear();
+        if (m_atEnd == AtEnd::DropJobs) m_jobs.clear();
         m_end = true;
     }
     m_ending->Set();

@@ -12,10 +12,13 @@
 
 namespace varkel {
 
+// What becomes of the jobs that still wait when the worker ends.
+enum class AtEnd { DropJobs, FinishJobs };
+
 class Worker {
   public:
-    Worker(Runtime& runtime, const std::string& name);
-    // Waits for the job at work; those behind it are dropped.
+    Worker(Runtime& runtime, const std::string& name, AtEnd atEnd = AtEnd::DropJobs);
+    // Waits for the job at work; those behind it are dropped or finished.
     ~Worker();
     Worker(const Worker&) = delete;
     Worker& operator=(const Worker&) = delete;
@@ -32,6 +35,7 @@ class Worker {
   private:
     void Work();
 
+    const AtEnd m_atEnd;
     std::shared_ptr<Event> m_ending;
     std::mutex m_mutex;
     std::deque<std::function<void()>> m_jobs;

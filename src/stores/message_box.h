@@ -52,6 +52,15 @@ struct MessageBoxes {
           outbox(files, log, SmsBox::Outbox),
           drafts(files, log, SmsBox::Drafts) {}
 
+    MessageBox& Of(SmsBox box) {
+        switch (box) {
+            case SmsBox::Inbox: return inbox;
+            case SmsBox::Outbox: return outbox;
+            case SmsBox::Drafts: break;
+        }
+        return drafts;
+    }
+
     MessageBox inbox;
     MessageBox outbox;
     MessageBox drafts;
