@@ -20,6 +20,8 @@ class EditField final : public Control {
     // Cut where it is too long; the caret goes to its end. Setting does not report a change.
     void SetWindowText(std::string_view text);
     const std::string& GetWindowText() const { return m_text; }
+    // Shows the beginning of a long text.
+    void MoveToStart() { MoveCaret(0); }
     void Insert(std::string_view typed);
     void Backspace();
     void SetColors(ColorRef text, ColorRef ground);

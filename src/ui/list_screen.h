@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "ui/dialog.h"
+#include "ui/form_parts.h"
 #include "ui/list_box.h"
 #include "ui/screen_context.h"
 #include "ui/skin_scroll_bar.h"
@@ -54,15 +55,7 @@ class ListScreen : public Dialog {
         return {emptyId, {24, 258, 508, 88}, caption, TextRole::Body, inTheMiddle};
     }
     // A button of the column at the right, counted from 0.
-    static constexpr ButtonSpec Action(int place, int id, std::string_view picture, DisabledPicture disabled,
-                                       std::string_view caption) {
-        return {.id = id,
-                .rect = {612, 58 + place * 112, 180, 104},
-                .picture = picture,
-                .disabled = disabled,
-                .caption = caption,
-                .textOffset = 58};
-    }
+    static constexpr auto Action = form::Action;
     static constexpr ButtonSpec PageUp() {
         return {.id = pageUpId,
                 .rect = {612, 394, 88, 80},
@@ -75,11 +68,11 @@ class ListScreen : public Dialog {
                 .picture = "PageDown",
                 .disabled = DisabledPicture::Dis};
     }
-    static constexpr ButtonSpec Exit() { return {.id = exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"}; }
+    static constexpr ButtonSpec Exit() { return form::Exit(exitId); }
     static constexpr ListSpec List() { return {listId, {8, 130, 540, 344}, 86}; }
     static constexpr PlaceSpec BarPlace() { return {barPlaceId, {552, 130, 48, 344}}; }
 
-    static constexpr std::string_view directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\";
+    static constexpr std::string_view directory = form::directory;
     static constexpr std::string_view background = "MessageCallrecordInterface";
 
     // Another program or the modem may have changed what is listed.

@@ -66,14 +66,23 @@ void RadioGroup::DrawItem(Canvas& canvas, int item) const {
         return;
     }
     if (picture) {
-        // A narrower picture leaves a gap to the next item.
+        // A smaller picture leaves a gap to the next item.
         place.width = std::min(place.width, picture->GetSize().width);
+        place.height = std::min(place.height, picture->GetSize().height);
         canvas.StretchBlt(*picture, place);
     }
     if (selected) style.color = Parent().GetDesktop().Colors().pressedText;
-    const LogFont font = FittingFont(graphics, text, style.font, {place.width - 8, place.height}, false);
-    canvas.DrawText(text, place, TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine, font,
-                    style.color);
+    const Rect box = place.Inset(4);
+    LogFont font = FittingFont(graphics, text, style.font, {box.width, box.height}, false);
+    auto format = TextFormat::Center | TextFormat::VCenter;
+    // What does not fit one line has as many as there is room for.
+    if (graphics.MeasureText(text, font).width > box.width) {
+        font = FittingFont(graphics, text, style.font, {box.width, box.height}, true);
+        format = format | TextFormat::WordBreak;
+    } else {
+        format = format | TextFormat::SingleLine;
+    }
+    canvas.DrawText(text, box, format, font, style.color);
 }
 
 void RadioGroup::AppendTargets(std::vector<TouchTarget>& targets) const {

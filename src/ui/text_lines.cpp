@@ -33,6 +33,11 @@ std::size_t FittingBytes(Graphics& graphics, std::string_view text, const LogFon
 
 }  // namespace
 
+std::string WithNumber(std::string text, int number) {
+    const std::size_t place = text.find("%d");
+    return place == std::string::npos ? text : text.replace(place, 2, std::to_string(number));
+}
+
 std::size_t NextCharacter(std::string_view text, std::size_t position) {
     if (position >= text.size()) return text.size();
     return position + FirstCharacterBytes(text.substr(position));

@@ -1,7 +1,8 @@
-// A text cut into lines that fit a width.
+// Texts cut into lines that fit a width, and other work on texts that are shown.
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -20,6 +21,9 @@ std::vector<TextLine> CutIntoLines(Graphics& graphics, std::string_view text, co
 
 // The line in which the caret stands before byte `position`.
 std::size_t LineOf(const std::vector<TextLine>& lines, std::size_t position);
+
+// The text with the number in place of its "%d".
+std::string WithNumber(std::string text, int number);
 
 // The character borders next to a byte position.
 std::size_t NextCharacter(std::string_view text, std::size_t position);

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "ui/text_lines.h"
+
 namespace varkel {
 
 namespace {
@@ -33,11 +35,6 @@ const char* StepKey(OpenStep step) {
         case OpenStep::Initialise: return "IDS_STEP_INITIALISE";
     }
     return "";
-}
-
-std::string WithNumber(std::string text, int number) {
-    const std::size_t place = text.find("%d");
-    return place == std::string::npos ? text : text.replace(place, 2, std::to_string(number));
 }
 
 std::string Clock(Ticks elapsed) {
