@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -25,7 +26,9 @@ class ScriptedScreens : public Screens {
         Note("step " + std::to_string(static_cast<int>(step)));
     }
     void SetSignalLevel(int level) override { Note("signal " + std::to_string(level)); }
-    void Repaint() override {}
+    void Repaint() override {
+        if (onRepaint) onRepaint();
+    }
     void EnableWindow(bool enable) override { Note(enable ? "enabled" : "disabled"); }
     bool IsWindowEnabled() const override { return true; }
     void ReloadTexts() override { Note("texts"); }
@@ -106,6 +109,8 @@ class ScriptedScreens : public Screens {
     std::chrono::steady_clock::time_point LastIncomingCall() const { return m_incomingCall; }
 
     static constexpr Ticks typingTakes = 3000;
+
+    std::function<void()> onRepaint;  // any thread
 
   private:
     void Enter(std::optional<CodeEntry> entry) {
