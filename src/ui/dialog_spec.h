@@ -59,6 +59,7 @@ struct EditSpec {
     bool readOnly = false;
     bool softKeyboard = true;  // raised when the field gets the focus
     int height = 32;           // of the font
+    std::string_view hint{};   // what to type here, shown while the field is empty
 };
 
 struct ListSpec {

@@ -30,7 +30,8 @@ EditField::EditField(Dialog& parent, const EditSpec& spec)
       m_spec(spec),
       m_font(HeiFont(spec.height)),
       m_color(parent.Colors().edit),
-      m_ground(parent.Colors().editBack) {
+      m_ground(parent.Colors().editBack),
+      m_hint(parent.LoadText(spec.hint)) {
     Layout();
 }
 
@@ -163,6 +164,11 @@ void EditField::Draw(Canvas& canvas) {
     canvas.RoundRect(Place(), radius, m_ground, HasFocus() ? palette.accent : palette.edge, 2);
     const Rect inside = Inside();
     canvas.PushClip(inside);
+    if (m_text.empty() && !m_hint.empty()) {
+        const TextFormat side =
+            Parent().GetDesktop().ReadsRightToLeft() ? TextFormat::Right : TextFormat::Left;
+        canvas.DrawText(m_hint, inside, lineFormat | side, m_font, palette.secondary);
+    }
     const std::size_t caretLine = LineOf(m_lines, ShownPosition(m_caret));
     int top = inside.y;
     for (std::size_t line = m_firstLine; line < m_lines.size() && top < inside.Bottom(); ++line) {
@@ -184,9 +190,13 @@ void EditField::AppendTargets(std::vector<TouchTarget>& targets) const {
     targets.push_back({Id(), FingerSized(Place())});
 }
 
-void EditField::OnTouchDown(Point at) {
-    // A second touch brings back a keyboard that was put away.
+void EditField::Edit() {
+    // A second time brings back a keyboard that was put away.
     HasFocus() ? RaiseKeyboard() : Parent().SetFocus(this);
+}
+
+void EditField::OnTouchDown(Point at) {
+    Edit();
     MoveCaretTo(at);
 }
 

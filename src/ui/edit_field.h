@@ -24,6 +24,8 @@ class EditField final : public Control {
     void MoveToStart() { MoveCaret(0); }
     void Insert(std::string_view typed);
     void Backspace();
+    // As a touch does: takes the focus and raises the soft keyboard.
+    void Edit();
     void SetColors(ColorRef text, ColorRef ground);
     const EditSpec& Spec() const { return m_spec; }
     // The user has changed the text.
@@ -56,6 +58,7 @@ class EditField final : public Control {
     LogFont m_font;
     ColorRef m_color;
     ColorRef m_ground;
+    std::string m_hint;
     std::string m_text;
     std::size_t m_caret = 0;  // bytes
 
