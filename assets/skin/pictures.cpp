@@ -129,6 +129,7 @@ constexpr Picture pictures[] = {
     {"Other/ItemFind", Files::Dis, action, DrawAction, {.icon = "search"}},
     {"Other/ItemSave", Files::Dis, action, DrawAction, {.icon = "save"}},
     {"Other/ItemSelect", Files::Dis, action, DrawAction, {.icon = "check"}},
+    {"Other/ItemSet", Files::Dis, action, DrawAction, {.icon = "settings"}},
     {"Other/RowLocal", Files::Two, rowMark, DrawMark, {.icon = "person", .ground = keyedOnRow}},
     {"Other/RowSim", Files::Two, rowMark, DrawMark, {.icon = "sim", .ground = keyedOnRow}},
     {"Other/RowOperator", Files::Two, rowMark, DrawMark, {.icon = "operator", .ground = keyedOnRow}},

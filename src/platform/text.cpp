@@ -123,6 +123,20 @@ std::string LowerAscii(std::string_view text) {
     return lower;
 }
 
+std::string FoldCase(std::string_view text) {
+    constexpr auto within = [](char16_t unit, char16_t first, char16_t last) {
+        return unit >= first && unit <= last;
+    };
+    std::u16string units = Utf16FromUtf8(text);
+    for (char16_t& unit : units) {
+        const bool capital = within(unit, u'A', u'Z') || within(unit, 0xC0, 0xDE) ||
+                             within(unit, 0x391, 0x3A9) || within(unit, 0x410, 0x42F);
+        if (capital && unit != 0xD7) unit = static_cast<char16_t>(unit + 0x20);
+        if (within(unit, 0x400, 0x40F)) unit = static_cast<char16_t>(unit + 0x50);
+    }
+    return Utf8FromUtf16(units);
+}
+
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return Lower(x) == Lower(y); });

@@ -19,6 +19,9 @@ std::string_view CutUtf8(std::string_view text, std::size_t bytes);
 
 // ASCII only; every other byte stays.
 std::string LowerAscii(std::string_view text);
+// A form that is the same for capital and small letters, of Latin, Greek and Cyrillic: texts are searched in
+// it.
+std::string FoldCase(std::string_view text);
 bool EqualIgnoringCase(std::string_view a, std::string_view b);
 // Without the blanks (space, tab, CR, LF) at both ends.
 std::string_view Trimmed(std::string_view text);

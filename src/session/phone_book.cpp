@@ -20,19 +20,19 @@ PhoneBookResult ResultOf(StoreResult result) {
     return PhoneBookResult::Refused;
 }
 
-bool Contains(const PhoneText& text, const std::string& lowerPart) {
-    const auto contains = [&](const std::string& field) {
-        return LowerAscii(field).find(lowerPart) != std::string::npos;
-    };
-    return contains(text.name) || std::any_of(text.numbers.begin(), text.numbers.end(), contains);
-}
-
 bool HasOneNumber(const PhoneText& text) {
     return std::all_of(text.numbers.begin() + 1, text.numbers.end(),
                        [](const std::string& number) { return number.empty(); });
 }
 
 }  // namespace
+
+std::string SearchKey(const PhoneText& text) {
+    std::string key = text.name;
+    for (const std::string& number : text.numbers)
+        key.append("\n").append(number);
+    return FoldCase(key);
+}
 
 PhoneBook::PhoneBook(Session& session, CommandTurn& turn)
     : m_session(session),
@@ -52,10 +52,10 @@ std::string PhoneBook::NameOf(std::string_view number) {
 }
 
 std::vector<PhoneEntry> PhoneBook::Find(PhoneBooks shown, std::string_view part) {
-    const std::string lowerPart = LowerAscii(part);
+    const std::string sought = FoldCase(part);
     std::vector<PhoneEntry> entries;
     const auto take = [&](PhoneEntry entry) {
-        if (Contains(entry.text, lowerPart)) entries.push_back(std::move(entry));
+        if (SearchKey(entry.text).find(sought) != std::string::npos) entries.push_back(std::move(entry));
     };
     if (shown != PhoneBooks::Sim) {
         const PhoneBookFile::List list = m_file.Load();

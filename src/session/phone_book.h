@@ -24,6 +24,9 @@ struct PhoneText {
     std::array<std::string, 4> numbers;
 };
 
+// All texts of an entry in one, as FoldCase() has them: what is found in it is found in the entry.
+std::string SearchKey(const PhoneText& text);
+
 // An entry as it was seen, which is how a change names it.
 struct PhoneEntry {
     PhoneBookKind book = PhoneBookKind::Local;
@@ -42,7 +45,7 @@ class PhoneBook {
     std::string NameOf(std::string_view number);
 
     // Local entries first, each book in its own order. Those whose name or one of whose numbers contains
-    // `part`, whatever the case of its Latin letters; all when it is empty. Any thread.
+    // `part`, whatever the case of its letters; all when it is empty. Any thread.
     std::vector<PhoneEntry> Find(PhoneBooks shown, std::string_view part);
 
     // Changes. They are made one after the other on a thread of their own, and `done` learns the outcome on
