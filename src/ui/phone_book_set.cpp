@@ -1,0 +1,56 @@
+#include "ui/phone_book_set.h"
+
+#include "ui/radio_group.h"
+
+namespace varkel {
+
+namespace {
+
+constexpr int showId = 1040;
+constexpr int saveToId = 1041;
+constexpr int exitId = 1075;
+
+// In the order of PhoneBooks and PhoneBookKind.
+constexpr std::string_view shown[] = {"IDS_ALL", "IDS_LOCAL", "IDS_SIM"};
+constexpr std::string_view books[] = {"IDS_LOCAL", "IDS_SIM"};
+constexpr std::string_view radio = "\\ResidentFlash2\\bin\\GPRS\\Radio";
+
+constexpr TextSpec texts[] = {
+    {1000, {14, 0, 700, 50}, "IDS_ADDRESSLISTMODE", TextRole::Title},
+    {1001, {32, 72, 260, 56}, "IDS_SHOW", TextRole::Secondary},
+    {1002, {320, 72, 260, 56}, "IDS_SAVE_TO", TextRole::Secondary},
+};
+constexpr RadioSpec radios[] = {
+    {showId, {32, 136, 264, 252}, {264, 84}, radio, shown},
+    {saveToId, {320, 136, 264, 168}, {264, 84}, radio, books},
+};
+constexpr ButtonSpec buttons[] = {{.id = exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"}};
+constexpr DialogSpec spec{
+    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
+    .background = "GroupBlackList",
+    .texts = texts,
+    .buttons = buttons,
+    .radios = radios,
+    .returnClicks = exitId,
+    .escapeClicks = exitId,
+};
+
+}  // namespace
+
+CPhoneBookSet::CPhoneBookSet(ScreenContext& context) : Dialog(context.desktop, spec) {
+    OnClick(showId, [this] {
+        GetDesktop().GetSettings().WriteCardDisp(PhoneBooks(Get<RadioGroup>(showId).Selected()));
+    });
+    OnClick(saveToId, [this] {
+        GetDesktop().GetSettings().WriteCardSaveTo(PhoneBookKind(Get<RadioGroup>(saveToId).Selected()));
+    });
+    OnClick(exitId, [this] { EndDialog(DialogResult::Ok); });
+}
+
+void CPhoneBookSet::OnInitDialog() {
+    Settings& settings = GetDesktop().GetSettings();
+    Get<RadioGroup>(showId).Select(static_cast<int>(settings.ReadCardDisp()));
+    Get<RadioGroup>(saveToId).Select(static_cast<int>(settings.ReadCardSaveTo()));
+}
+
+}  // namespace varkel
