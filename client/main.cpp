@@ -43,7 +43,7 @@ ExitCode RunOnProgram(const CommandLine& line, const UnitSettings& settings, Lin
 
 ExitCode Run(const CommandLine& line) {
     const UnitSettings settings =
-        line.unitFile.empty() ? DefaultUnitSettings() : LoadUnitSettings(line.unitFile);
+        line.unitFile.empty() ? UserUnitSettings() : LoadUnitSettings(line.unitFile);
     for (const std::string& error : settings.errors)
         Fail(ExitCode::Failed, "unit file: " + error);
     switch (line.command) {

@@ -13,9 +13,10 @@ struct Options {
     bool headless = false;
     bool offscreen = false;   // pictures that nobody sees, for tours and tests
     bool fullScreen = false;  // a panel of its own
-    std::string unitFile;     // empty: the defaults of a user's own run
+    std::string unitFile;     // empty: the user's own, or the defaults
     std::string port;         // empty: as the unit file says
     std::string assets;       // likewise
+    std::string language;     // likewise
     std::string palette;      // likewise: night, day or auto
     LogLevel logLevel = LogLevel::Debug;
     bool debugOutput = false;

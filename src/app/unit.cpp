@@ -9,9 +9,10 @@ namespace {
 
 UnitSettings LoadSettings(const Options& options) {
     UnitSettings settings =
-        options.unitFile.empty() ? DefaultUnitSettings() : LoadUnitSettings(options.unitFile);
+        options.unitFile.empty() ? UserUnitSettings() : LoadUnitSettings(options.unitFile);
     if (!options.port.empty()) settings.serial["COM7:"] = options.port;
     if (!options.assets.empty()) settings.assets = options.assets;
+    if (!options.language.empty()) settings.language = options.language;
     settings.palette = ParsePalette(options.palette).value_or(settings.palette);
     return settings;
 }

@@ -86,6 +86,16 @@ TEST(UnitSettingsTest, HasDefaultsForAUserWithoutAUnitFile) {
     EXPECT_TRUE(settings.errors.empty());
 }
 
+TEST(UnitSettingsTest, FindsTheUsersOwnUnitFile) {
+    test::ScratchDirectory scratch;
+    setenv("XDG_CONFIG_HOME", scratch.Path().c_str(), 1);
+    EXPECT_EQ(UserUnitSettings().countryCode, "86") << "none is needed";
+    std::filesystem::create_directory(scratch / "varkel");
+    test::WriteFile(scratch / "varkel/unit.conf", "[unit]\ncountry_code = 49\nroot = flash\n");
+    EXPECT_EQ(UserUnitSettings().countryCode, "49");
+    EXPECT_EQ(UserUnitSettings().root, scratch / "varkel/flash");
+}
+
 TEST(UnitSettingsTest, ListsWhatItCannotFollowAndKeepsTheDefault) {
     const UnitSettings settings = ParseUnitSettings(
         "[unit]\n"

@@ -20,7 +20,6 @@ namespace varkel {
 namespace {
 
 constexpr std::size_t largestUnitFile = std::size_t{256} * 1024;
-constexpr std::string_view languages[] = {"english", "chinese", "tchinese", "russian", "portugal", "arabic"};
 
 std::string UpperAscii(std::string_view text) {
     std::string upper(text);
@@ -52,8 +51,8 @@ bool SetPalette(UnitSettings& settings, const std::string& value, const std::str
 }
 
 bool SetLanguage(UnitSettings& settings, const std::string& value, const std::string&) {
-    const auto* const known = std::find(std::begin(languages), std::end(languages), LowerAscii(value));
-    if (known == std::end(languages)) return false;
+    const auto* const known = std::find(unitLanguages.begin(), unitLanguages.end(), LowerAscii(value));
+    if (known == unitLanguages.end()) return false;
     settings.language = *known;
     return true;
 }
@@ -176,11 +175,12 @@ std::string Take(const KeyFile::Entry& entry, const std::string& directory, Unit
     return "unknown section [" + entry.section + "]";
 }
 
-std::string DataDirectory() {
-    const char* const data = std::getenv("XDG_DATA_HOME");
-    if (data && data[0] == '/') return std::string(data) + "/varkel";
+// The program's own place in one of the user's directories.
+std::string UserDirectory(const char* variable, std::string_view belowHome) {
+    const char* const directory = std::getenv(variable);
+    if (directory && directory[0] == '/') return std::string(directory) + "/varkel";
     const char* const home = std::getenv("HOME");
-    return std::string(home && home[0] == '/' ? home : "/tmp") + "/.local/share/varkel";
+    return std::string(home && home[0] == '/' ? home : "/tmp").append(belowHome) + "/varkel";
 }
 
 }  // namespace
@@ -191,10 +191,10 @@ std::string UnitSettings::TtyOf(std::string_view deviceName) const {
 }
 
 UnitSettings DefaultUnitSettings() {
-    const std::string data = DataDirectory();
+    const std::string data = UserDirectory("XDG_DATA_HOME", "/.local/share");
     UnitSettings settings;
     settings.root = data + "/flash";
-    settings.assets = "/usr/share/varkel/assets";
+    settings.assets = VARKEL_ASSETS;
     settings.language = "english";
     settings.systemCodePage = "GB18030";
     settings.countryCode = "86";
@@ -217,6 +217,11 @@ UnitSettings ParseUnitSettings(std::string_view text, const std::string& directo
     settings.board = BoardAnswers::Parse(file);
     settings.errors.insert(settings.errors.end(), settings.board.errors.begin(), settings.board.errors.end());
     return settings;
+}
+
+UnitSettings UserUnitSettings() {
+    const std::string path = UserDirectory("XDG_CONFIG_HOME", "/.config") + "/unit.conf";
+    return access(path.c_str(), F_OK) == 0 ? LoadUnitSettings(path) : DefaultUnitSettings();
 }
 
 UnitSettings LoadUnitSettings(const std::string& path) {

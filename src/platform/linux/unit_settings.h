@@ -30,6 +30,7 @@
 // A relative path starts at the unit file's directory.
 #pragma once
 
+#include <array>
 #include <map>
 #include <string>
 #include <string_view>
@@ -68,12 +69,19 @@ struct UnitSettings {
     std::string TtyOf(std::string_view deviceName) const;
 };
 
+// The languages that there are texts for.
+inline constexpr std::array<std::string_view, 6> unitLanguages{"english", "chinese",  "tchinese",
+                                                               "russian", "portugal", "arabic"};
+
 // What holds without a unit file: the unit lies in the user's data directory (XDG_DATA_HOME/varkel), the
 // modem is /dev/ttyUSB2, the driver is the board with nothing said.
 UnitSettings DefaultUnitSettings();
 
 // `directory` is where relative paths start.
 UnitSettings ParseUnitSettings(std::string_view text, const std::string& directory);
+
+// The user's own unit file, XDG_CONFIG_HOME/varkel/unit.conf, or the defaults when there is none.
+UnitSettings UserUnitSettings();
 
 // Reads the file; when it cannot be read the defaults hold and `errors` says so.
 UnitSettings LoadUnitSettings(const std::string& path);
