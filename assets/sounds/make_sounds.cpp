@@ -1,4 +1,4 @@
-// Makes the unit's two sounds: the ring and the chime of a message.
+// Makes the unit's sounds: those that a user can choose for a call and for a message.
 //
 //     make_sounds DIRECTORY
 //
@@ -74,8 +74,34 @@ constexpr Note ring[] = {
 };
 constexpr double ringLength = 4.0;
 
+// Two bells that swing, three times and a rest.
+constexpr double swing = 0.09;
+constexpr Note bells[] = {
+    {0 * swing, b5, 0.9},       {1 * swing, e6, 0.7},       {2 * swing, b5, 0.9},
+    {3 * swing, e6, 0.7},       {4 * swing, b5, 0.9},       {5 * swing, e6, 0.7},
+    {0.9 + 0 * swing, b5, 0.9}, {0.9 + 1 * swing, e6, 0.7}, {0.9 + 2 * swing, b5, 0.9},
+    {0.9 + 3 * swing, e6, 0.7}, {0.9 + 4 * swing, b5, 0.9}, {0.9 + 5 * swing, e6, 0.7},
+    {1.8 + 0 * swing, b5, 0.9}, {1.8 + 1 * swing, e6, 0.7}, {1.8 + 2 * swing, b5, 0.9},
+    {1.8 + 3 * swing, e6, 0.7}, {1.8 + 4 * swing, b5, 0.9}, {1.8 + 5 * swing, e6, 0.7},
+};
+
+// Slow and low, for those who do not want to be startled.
+constexpr Note calm[] = {
+    {0.0, e5 / 2, 0.8}, {0.35, b5 / 2, 0.8}, {0.7, e5, 1.0}, {1.05, gSharp5, 0.8},
+    {1.7, e5 / 2, 0.8}, {2.05, b5 / 2, 0.8}, {2.4, e5, 1.0}, {2.75, b5, 0.8},
+};
+
 constexpr Note message[] = {{0, b5, 0.8}, {0.13, e6, 1.0}};
 constexpr double messageLength = 0.95;
+constexpr Note drop[] = {{0, gSharp5, 0.9}, {0.12, e5, 1.0}};
+constexpr Note knock[] = {{0, e5, 1.0}, {0.16, e5, 0.8}, {0.32, b5, 1.0}};
+
+struct Sound {
+    const char* name;
+    double length;  // seconds
+    std::span<const Note> notes;
+    std::span<const Partial> partials;
+};
 
 // From 0 to 1 without a corner at either end.
 double SoftStep(double x) {
@@ -164,8 +190,16 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string directory = argv[1];
-    const bool written = Write(directory + "/ring.wav", Wav(Play(ringLength, ring, marimba))) &&
-                         Write(directory + "/msg.wav", Wav(Play(messageLength, message, chime)));
-    if (!written) std::perror("make_sounds");
-    return written ? 0 : 1;
+    const Sound sounds[] = {
+        {"ring", ringLength, ring, marimba},    {"ring2", ringLength, bells, chime},
+        {"ring3", ringLength, calm, marimba},   {"msg", messageLength, message, chime},
+        {"msg2", messageLength, drop, marimba}, {"msg3", messageLength, knock, marimba},
+    };
+    for (const Sound& sound : sounds) {
+        const std::string name = directory + "/" + sound.name + ".wav";
+        if (Write(name, Wav(Play(sound.length, sound.notes, sound.partials)))) continue;
+        std::perror("make_sounds");
+        return 1;
+    }
+    return 0;
 }

@@ -9,7 +9,6 @@ namespace varkel {
 
 namespace {
 
-constexpr std::string_view ringSound = "\\ResidentFlash2\\bin\\ring.wav";
 constexpr Ticks ringLost = 10'000;  // RING comes every 3 to 6 s
 constexpr Ticks speechEnds = 500;
 constexpr Ticks longestEnd = 5000;
@@ -75,7 +74,8 @@ void CallControl::OnRing(std::string_view text) {
     Broadcast(m_session.platform, "UM_CALLIN", 0, 0);
     screens.ShowIncomingCall(true);
     if (!ring.callerKnown) m_session.at.cmd_set_clip();
-    m_session.platform.sound.PlaySound(ringSound, SoundMode::Once);
+    m_session.platform.sound.PlaySound(
+        RingSound(RingKind::Call, m_session.settings.ReadRing(RingKind::Call)));
     m_signal.Stop();
     WatchRing();
 }

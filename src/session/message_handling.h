@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <string>
 #include <string_view>
 
 #include "session/message_editing.h"
@@ -37,6 +38,9 @@ class MessageHandling {
     // See MessageSending.
     bool SendSMDll(std::string_view number, std::string_view text, Sender sender = Sender::User);
     bool ServesClient() const { return m_sending.ServesClient(); }
+
+    std::string ServiceCenter() const { return m_sending.ServiceCenter(); }
+    void SetServiceCenter(const CenterNumber& number) { m_sending.SetServiceCenter(number); }
 
     MessageBoxes& Boxes() { return m_boxes; }
     // What the screens change in them.

@@ -19,7 +19,6 @@ constexpr Ticks slice = 20;
 constexpr Ticks beforeSound = 2000;
 constexpr Ticks afterSound = 1000;
 constexpr Ticks deletePause = 1000;
-constexpr std::string_view messageSound = "\\ResidentFlash2\\bin\\msg.wav";
 
 }  // namespace
 
@@ -218,7 +217,8 @@ bool MessageReceiving::AnnounceNext() {
     }
     if (!Due()) return false;
     if (m_step == Step::Called) {
-        m_session.platform.sound.PlaySound(messageSound, SoundMode::Once);
+        m_session.platform.sound.PlaySound(
+            RingSound(RingKind::Message, m_session.settings.ReadRing(RingKind::Message)));
         Schedule(afterSound);
         m_step = Step::Played;
         return true;

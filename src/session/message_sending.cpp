@@ -135,7 +135,7 @@ void MessageSending::OnMsCenterNo(std::string_view text) {
         m_session.platform.log.Trace("[OnMsCenterNo]--no usable number");
         return;
     }
-    m_center.Set(FixedText<30>(number.View()));
+    SetServiceCenter(number);
     m_session.at.cmd_set_mscenter(number);
 }
 

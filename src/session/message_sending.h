@@ -51,6 +51,10 @@ class MessageSending {
     // The message that is being sent is another program's.
     bool ServesClient() const { return m_sender == Sender::Client; }
 
+    // The service centre that messages are sent through, and another one. Any thread.
+    std::string ServiceCenter() const { return std::string(m_center.Get().View()); }
+    void SetServiceCenter(const CenterNumber& number) { m_center.Set(FixedText<30>(number.View())); }
+
     // "+CSCA:". Read thread.
     void OnMsCenterNo(std::string_view text);
 

@@ -92,7 +92,7 @@ void ModuleControl::OpenThread() {
 bool ModuleControl::Perform(Job job) {
     switch (job) {
         case Job::Open:
-            m_session.state.m_bAutoConnect = true;
+            m_session.state.m_bAutoConnect = m_openWithData.load();
             Network_interface_Connect(true);
             return true;
         case Job::Close: Network_interface_Disconnect(); return true;

@@ -23,7 +23,12 @@ class ModuleControl {
     // Creates the open thread; false when the system refuses.
     bool Start();
 
-    void RequestOpen() { Request(Job::Open); }
+    // `withData`: a successful open goes on to dial the data link. Of several requests that wait the last one
+    // decides.
+    void RequestOpen(bool withData = true) {
+        m_openWithData = withData;
+        Request(Job::Open);
+    }
     // Ends an open attempt that is under way, then shuts the module down.
     void RequestClose();
     // Ends an open attempt that is under way; it fails.
@@ -60,6 +65,7 @@ class ModuleControl {
 
     std::shared_ptr<Thread> m_thread;
     Guarded<std::deque<Job>> m_jobs;
+    std::atomic<bool> m_openWithData = true;
     std::atomic<bool> m_opening = false;
     std::atomic<bool> m_recovering = false;
     std::atomic<bool> m_linkLost = false;

@@ -44,6 +44,10 @@ std::uint32_t ReadOrCreate(Registry& registry, std::string_view keyName, std::st
     return 0;
 }
 
+constexpr std::string_view RingName(RingKind kind) {
+    return kind == RingKind::Call ? "CallRing" : "NoteRing";
+}
+
 }  // namespace
 
 std::uint32_t Settings::ReadConfig(std::string_view name) {
@@ -85,6 +89,15 @@ PhoneBookKind Settings::ReadCardSaveTo() {
 
 bool Settings::WriteCardSaveTo(PhoneBookKind book) {
     return WriteDword(phoneBookKey, "CardSaveTo", static_cast<std::uint32_t>(book));
+}
+
+int Settings::ReadRing(RingKind kind) {
+    const std::uint32_t choice = ReadDword(ringsKey, RingName(kind));
+    return choice < ringChoices ? static_cast<int>(choice) : 0;
+}
+
+bool Settings::WriteRing(RingKind kind, int choice) {
+    return WriteDword(ringsKey, RingName(kind), static_cast<std::uint32_t>(choice));
 }
 
 std::optional<ISP_Struct> Settings::ReadIsp() {

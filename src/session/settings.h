@@ -8,6 +8,7 @@
 
 #include "platform/canvas.h"
 #include "platform/registry.h"
+#include "session/rings.h"
 #include "stores/isp_record.h"
 
 namespace varkel {
@@ -62,6 +63,10 @@ class Settings {
     PhoneBookKind ReadCardSaveTo();
     bool WriteCardSaveTo(PhoneBookKind book);
 
+    // "GPRS\Rings" / "CallRing" and "NoteRing": a choice of RingSound. The first when missing.
+    int ReadRing(RingKind kind);
+    bool WriteRing(RingKind kind, int choice);
+
     // "GPRS\ISP" / "ISP_Struct": the operator in use, byte for byte; nothing when there is none of that size.
     // On the disk when the write returns true.
     std::optional<ISP_Struct> ReadIsp();
@@ -84,6 +89,7 @@ class Settings {
   private:
     static constexpr std::string_view openFlagKey = "GPRS\\OPENFLAG";
     static constexpr std::string_view ispKey = "GPRS\\ISP";
+    static constexpr std::string_view ringsKey = "GPRS\\Rings";
     static constexpr std::string_view phoneBookKey = "GPRS\\PhoneBookSet";
 
     std::uint32_t ReadFlag(std::string_view name);

@@ -42,6 +42,7 @@ CVarkelDlg::CVarkelDlg(Platform& platform, Screens& screens, SessionOptions opti
       m_callLists(platform.files, platform.log),
       m_calls(m_session, m_turn, m_signal, m_phones, m_callLists),
       m_messages(m_session, m_turn, m_calls, m_signal),
+      m_choices(m_session, m_turn, m_data, m_messages),
       m_oneShots(m_session, m_calls, m_messages, m_signal),
       m_programs(m_session),
       m_speech(m_session),
@@ -144,9 +145,23 @@ void CVarkelDlg::ScheduleStart() {
     m_screens.PlaceWindow(m_background ? WindowPlace::ZeroSize : WindowPlace::FullScreen);
 }
 
-void CVarkelDlg::OpenModule() {
+void CVarkelDlg::OpenModule(bool withData) {
     m_state.m_bOpenPending = false;
-    m_module.RequestOpen();
+    m_module.RequestOpen(withData);
+}
+
+void CVarkelDlg::CarryOut(const ChangeRequests& requests) {
+    if (requests.turnOff) {
+        // It hangs up, too.
+        CloseModule();
+        return;
+    }
+    if (requests.turnOn) {
+        OpenModule(requests.openData);
+        return;
+    }
+    if (requests.closeData) m_data.RasHangUp();
+    if (requests.openData) m_data.OpenNet();
 }
 
 void CVarkelDlg::Quit() {

@@ -20,6 +20,7 @@
 #include "session/sim_card.h"
 #include "session/speech.h"
 #include "session/unit_messages.h"
+#include "session/user_choices.h"
 
 namespace varkel {
 
@@ -35,10 +36,12 @@ class CVarkelDlg {
     void OnInitDialog(std::string_view commandLine, LogLevel logLevel);
 
     // What the user and other programs ask for. Any thread; each returns at once.
-    void OpenModule();
+    void OpenModule(bool withData = true);
     void CloseModule() { m_module.RequestClose(); }
     void CancelOpen() { m_module.CancelOpen(); }
     bool Opening() const { return m_module.Opening(); }
+    // What the settings screen asks for: the module first, then the data link.
+    void CarryOut(const ChangeRequests& requests);
     // Shuts the module down in order and ends the message loop.
     void Quit();
 
@@ -55,6 +58,8 @@ class CVarkelDlg {
     ProgramWatch& Programs() { return m_programs; }
     PhoneBook& Phones() { return m_phones; }
     DataLink& Data() { return m_data; }
+    UserChoices& Choices() { return m_choices; }
+    Settings& GetSettings() { return m_settings; }
     WindowHandle Window() const { return m_window; }
     SessionState& State() { return m_state; }
     const SkinColors& Colors() const { return m_colors; }
@@ -98,6 +103,7 @@ class CVarkelDlg {
     CallLists m_callLists;
     CallControl m_calls;
     MessageHandling m_messages;
+    UserChoices m_choices;
     OneShotWatch m_oneShots;
     ProgramWatch m_programs;
     Speech m_speech;

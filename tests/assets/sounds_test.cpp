@@ -74,7 +74,11 @@ TEST_P(SoundFile, IsHeardAndDoesNotClick) {
 
 INSTANTIATE_TEST_SUITE_P(Sounds, SoundFile,
                          testing::Values(Expected{"\\ResidentFlash2\\bin\\ring.wav", 3, 5},
-                                         Expected{"\\ResidentFlash2\\bin\\msg.wav", 0.3, 1}));
+                                         Expected{"\\ResidentFlash2\\bin\\ring2.wav", 3, 5},
+                                         Expected{"\\ResidentFlash2\\bin\\ring3.wav", 3, 5},
+                                         Expected{"\\ResidentFlash2\\bin\\msg.wav", 0.3, 1},
+                                         Expected{"\\ResidentFlash2\\bin\\msg2.wav", 0.3, 1},
+                                         Expected{"\\ResidentFlash2\\bin\\msg3.wav", 0.3, 1}));
 
 }  // namespace
 }  // namespace varkel
