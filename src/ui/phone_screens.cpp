@@ -1,12 +1,29 @@
 #include "ui/phone_screens.h"
 
+#include <memory>
+#include <string>
+
 #include "ui/dial_pad.h"
+#include "ui/message_boxes_dlg.h"
+#include "ui/new_messages_dlg.h"
+#include "ui/phone_book_dlg.h"
+#include "ui/write_message_dlg.h"
 
 namespace varkel {
 
 ScreenHooks PhoneScreens(ScreenContext& context) {
+    context.pickNumber = [&context] { return CPhoneBookDlg::PickNumber(context); };
     ScreenHooks hooks;
     hooks.navigation.dialPad = [&context] { CDialPad(context).DoModal(); };
+    hooks.navigation.messages = [&context] { CMessageBoxesDlg(context).DoModal(); };
+    hooks.navigation.phoneBook = [&context] {
+        const auto write = [&context](const std::string& number) {
+            CWriteMessageDlg(context, number, "").DoModal();
+        };
+        CPhoneBookDlg(context, PhoneBookMode::Use, write).DoModal();
+    };
+    hooks.hideWriteMessage = [&context] { HideWriteMessage(context.desktop); };
+    hooks.showNewMessages = [messages = std::make_shared<CNewMessagesDlg>(context)] { messages->Show(); };
     hooks.unreadMessages = [&context] {
         return static_cast<int>(context.session.Messages().Boxes().inbox.UnreadCount());
     };

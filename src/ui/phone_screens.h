@@ -6,7 +6,7 @@
 
 namespace varkel {
 
-// Dialog thread. `context` outlives the hooks.
+// Dialog thread. `context`, which learns how a number is picked, outlives the hooks.
 ScreenHooks PhoneScreens(ScreenContext& context);
 
 }  // namespace varkel
