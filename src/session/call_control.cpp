@@ -1,6 +1,7 @@
 // What the modem reports of calls, and what follows from it.
 #include "session/call_control.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "session/main_window.h"
@@ -12,6 +13,7 @@ namespace {
 constexpr Ticks ringLost = 10'000;  // RING comes every 3 to 6 s
 constexpr Ticks speechEnds = 500;
 constexpr Ticks longestEnd = 5000;
+constexpr std::uint32_t mostNewMissed = 9999;  // the registry is anybody's
 constexpr Ticks linkPeriod = 1000;
 constexpr TimerId linkTimer = static_cast<TimerId>(SessionTimer::CallLink);
 constexpr TimerId ringTimer = static_cast<TimerId>(SessionTimer::RingLost);
@@ -40,6 +42,7 @@ CallControl::~CallControl() {
 }
 
 void CallControl::Start() {
+    m_newMissed = static_cast<int>(std::min(m_session.settings.ReadNewMissed(), mostNewMissed));
     [[maybe_unused]] const bool loaded = m_values.Load();
     m_values.Set("CallStatus", "");
     m_values.Set("HookDialed", "0");
@@ -237,22 +240,13 @@ void CallControl::Publish(const Call& ended) {
         m_values.Set("HookDialed", "0");
     } else if (!ended.m_strCallNumber.empty()) {
         if (answered.empty()) {
-            Record(m_lists.missed, ended.m_strCallNumber, ended.m_strCallName);
+            if (Append(m_lists.missed, RecordOf(ended.m_strCallNumber, ended.m_strCallName))) CountMissed();
         } else {
-            Record(m_lists.received, answered, ended.m_strCallName);
+            Append(m_lists.received, RecordOf(answered, ended.m_strCallName));
         }
     }
     m_values.Set("CallStatus", "");
     [[maybe_unused]] const bool saved = m_values.Save();
-}
-
-void CallControl::Record(CallList& list, std::string_view number, std::string_view name) {
-    constexpr std::size_t field = 40;
-    const CodePage& page = m_session.platform.codePage;
-    const CallRecord record =
-        MakeCallRecord(m_session.platform.runtime.GetLocalTime(), NarrowFromUtf8(page, name, field),
-                       NarrowFromUtf8(page, number, field));
-    if (list.Append(record) == StoreResult::VolumeFull) m_session.screens.Warn(WarnCode::NandFull);
 }
 
 }  // namespace varkel

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -77,6 +79,8 @@ class CallControl {
     bool Dial(std::string_view number);
     // Dials the number that was dialled last, at most once a second.
     void OnRedial();
+    // Dials the number of a record, and writes it into the list of dialled calls under the record's name.
+    bool CallBack(const CallRecord& record);
     // Dials without a record.
     bool Redial(std::string_view number);
     void Answer();
@@ -94,6 +98,14 @@ class CallControl {
     bool AwaitsUssd() const { return m_dialogue == Dialogue::Awaited; }
 
     CallLists& Lists() { return m_lists; }
+    // The record in row `row` of the list `shown`, or all that were shown, leave their file; `done` runs on
+    // the dialog thread. Any thread.
+    using RecordsDone = std::function<void(StoreResult)>;
+    void DeleteRecord(CallKind kind, CallList::List shown, std::size_t row, RecordsDone done);
+    void DeleteRecords(CallKind kind, CallList::List shown, RecordsDone done);
+    // Missed calls that came since somebody looked at their list; kept over a restart.
+    int NewMissed() const { return m_newMissed; }
+    void ForgetNewMissed();
 
   private:
     // With the network, by service codes.
@@ -104,8 +116,14 @@ class CallControl {
     void Established(const Call& call);
     void Ended(const Call& call);
     void Publish(const Call& ended);
-    void Record(CallList& list, std::string_view number, std::string_view name);
-    void SendDial(const DialString& number, bool withRecord);
+    CallRecord RecordOf(std::string_view number, std::string_view name) const;
+    // True when it stands in the list.
+    bool Append(CallList& list, const CallRecord& record);
+    void CountMissed();
+    void ChangeRecords(std::function<StoreResult()> change, RecordsDone done);
+    // What is appended to the dialled calls, made when the number has been sent; null for no record.
+    using MakeDialled = std::function<CallRecord()>;
+    void SendDial(const DialString& number, const MakeDialled& record);
     template <class SetOneShot, class Send>
     void Request(SetOneShot setOneShot, Send send);
 
@@ -120,7 +138,7 @@ class CallControl {
     }
     bool MayDial(std::string_view number, DialString& dialled);
     bool BeginDial(std::string_view number, bool Call::*how);
-    bool Place(std::string_view number, bool Call::*how);
+    bool Place(std::string_view number, bool Call::*how, MakeDialled record);
     bool EnoughPower();
     void WatchRing();
     void WatchLink();
@@ -140,6 +158,7 @@ class CallControl {
     Guarded<std::string> m_ShowNumStr;  // the number to redial
     std::atomic<Guard> nCallStatus = Guard::CALL_READY;
     std::atomic<Dialogue> m_dialogue = Dialogue::None;
+    std::atomic<int> m_newMissed = 0;
     std::atomic<bool> m_bUserHangUp = false;
     Guarded<Ticks> m_dwLastRedial;
     std::atomic<bool> m_redialled = false;  // m_dwLastRedial means something

@@ -65,22 +65,32 @@ bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
     return true;
 }
 
-// Only what is dialled anew is recorded.
-bool CallControl::Place(std::string_view number, bool Call::*how) {
+bool CallControl::Place(std::string_view number, bool Call::*how, MakeDialled record) {
     DialString dialled;
     if (!MayDial(number, dialled) || !BeginDial(dialled.View(), how)) return false;
-    const bool withRecord = how == &Call::m_bOutgoingCall;
-    if (m_worker.Post([this, dialled, withRecord] { SendDial(dialled, withRecord); })) return true;
+    if (m_worker.Post([this, dialled, record = std::move(record)] { SendDial(dialled, record); }))
+        return true;
     OnCallHooked();
     return false;
 }
 
 bool CallControl::Dial(std::string_view number) {
-    return Place(number, &Call::m_bOutgoingCall);
+    const std::string dialled(Trimmed(number));
+    return Place(number, &Call::m_bOutgoingCall,
+                 [this, dialled] { return RecordOf(dialled, m_book.NameOf(dialled)); });
+}
+
+bool CallControl::CallBack(const CallRecord& record) {
+    const std::string number = Utf8FromNarrow(m_session.platform.codePage, record.number.View());
+    if (!EnoughPower() || Trimmed(number).empty()) return false;
+    return Place(number, &Call::m_bOutgoingCall, [this, record] {
+        return MakeCallRecord(m_session.platform.runtime.GetLocalTime(), record.name.View(),
+                              record.number.View());
+    });
 }
 
 bool CallControl::Redial(std::string_view number) {
-    return Place(number, &Call::m_bRedialCall);
+    return Place(number, &Call::m_bRedialCall, nullptr);
 }
 
 void CallControl::OnRedial() {
@@ -97,7 +107,7 @@ void CallControl::OnRedial() {
 }
 
 // Worker. A call that was given up meanwhile is not dialled any more.
-void CallControl::SendDial(const DialString& number, bool withRecord) {
+void CallControl::SendDial(const DialString& number, const MakeDialled& record) {
     while (m_session.at.OneShotPending() && ModuleReady(m_session) && m_worker.Pause(slice)) {
     }
     const auto wanted = [this] { return m_call.With([](const Call& call) { return call.Outgoing(); }); };
@@ -112,7 +122,7 @@ void CallControl::SendDial(const DialString& number, bool withRecord) {
         if (!serviceCode) m_session.at.dialPending.Set(m_session.platform.runtime.GetTickCount());
         m_session.at.cmd_dial(number);
     });
-    if (withRecord) Record(m_lists.dialled, number.View(), m_book.NameOf(number.View()));
+    if (record) Append(m_lists.dialled, record());
 }
 
 // Sends what ends with a final result that is this request's alone: earlier ones are forgotten first.

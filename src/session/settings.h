@@ -66,6 +66,9 @@ class Settings {
     // "GPRS\Rings" / "CallRing" and "NoteRing": a choice of RingSound. The first when missing.
     int ReadRing(RingKind kind);
     bool WriteRing(RingKind kind, int choice);
+    // "GPRS\CallRecord" / "NewMissed": missed calls that nobody has looked at.
+    std::uint32_t ReadNewMissed() { return ReadDword(callRecordKey, "NewMissed"); }
+    bool WriteNewMissed(std::uint32_t count) { return WriteDword(callRecordKey, "NewMissed", count); }
 
     // "GPRS\ISP" / "ISP_Struct": the operator in use, byte for byte; nothing when there is none of that size.
     // On the disk when the write returns true.
@@ -90,6 +93,7 @@ class Settings {
     static constexpr std::string_view openFlagKey = "GPRS\\OPENFLAG";
     static constexpr std::string_view ispKey = "GPRS\\ISP";
     static constexpr std::string_view ringsKey = "GPRS\\Rings";
+    static constexpr std::string_view callRecordKey = "GPRS\\CallRecord";
     static constexpr std::string_view phoneBookKey = "GPRS\\PhoneBookSet";
 
     std::uint32_t ReadFlag(std::string_view name);

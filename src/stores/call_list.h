@@ -53,6 +53,15 @@ struct CallLists {
           received(files, log, CallKind::Received),
           missed(files, log, CallKind::Missed) {}
 
+    CallList& Of(CallKind kind) {
+        switch (kind) {
+            case CallKind::Dialled: return dialled;
+            case CallKind::Received: return received;
+            case CallKind::Missed: break;
+        }
+        return missed;
+    }
+
     CallList dialled;
     CallList received;
     CallList missed;
