@@ -18,7 +18,7 @@ constexpr Ticks slice = 10;          // how soon a changed flag is seen
 constexpr Ticks questionPoll = 500;  // how often a module that announces nothing is asked
 constexpr Ticks searchPoll = 1000;
 constexpr Ticks searchLimit = 80'000;
-constexpr Ticks imsiLimit = 5000;
+constexpr Ticks imsiLimit = 30'000;
 constexpr Ticks lastPause = 200;
 
 using Outcome = OpenWaits::Outcome;

@@ -3,10 +3,12 @@
 #include <memory>
 #include <string>
 
+#include "ui/call_records_dlg.h"
 #include "ui/dial_pad.h"
 #include "ui/message_boxes_dlg.h"
 #include "ui/new_messages_dlg.h"
 #include "ui/phone_book_dlg.h"
+#include "ui/settings_dlg.h"
 #include "ui/write_message_dlg.h"
 
 namespace varkel {
@@ -16,6 +18,8 @@ ScreenHooks PhoneScreens(ScreenContext& context) {
     ScreenHooks hooks;
     hooks.navigation.dialPad = [&context] { CDialPad(context).DoModal(); };
     hooks.navigation.messages = [&context] { CMessageBoxesDlg(context).DoModal(); };
+    hooks.navigation.settings = [&context] { ShowSettings(context); };
+    hooks.navigation.callRecords = [&context] { CCallRecordsDlg(context).DoModal(); };
     hooks.navigation.phoneBook = [&context] {
         const auto write = [&context](const std::string& number) {
             CWriteMessageDlg(context, number, "").DoModal();
@@ -27,6 +31,7 @@ ScreenHooks PhoneScreens(ScreenContext& context) {
     hooks.unreadMessages = [&context] {
         return static_cast<int>(context.session.Messages().Boxes().inbox.UnreadCount());
     };
+    hooks.newMissedCalls = [&context] { return context.session.Calls().NewMissed(); };
     return hooks;
 }
 

@@ -34,6 +34,7 @@ bool RobotCommands::Run(std::string_view line) {
     static constexpr Command commands[] = {{"tap", &RobotCommands::Tap},
                                            {"touch", &RobotCommands::Touch},
                                            {"keys", &RobotCommands::Keys},
+                                           {"key", &RobotCommands::Key},
                                            {"picture", &RobotCommands::Picture}};
     if (line == "targets") {
         Targets();
@@ -90,6 +91,16 @@ void RobotCommands::Keys(std::string_view text) {
         const std::size_t size = FirstCharacterBytes(text);
         m_robot.key({KeyCode::None, std::string(text.substr(0, size))});
         text.remove_prefix(size);
+    }
+}
+
+void RobotCommands::Key(std::string_view name) {
+    constexpr std::pair<std::string_view, KeyCode> keys[] = {{"escape", KeyCode::Escape},
+                                                             {"return", KeyCode::Return},
+                                                             {"back", KeyCode::Back},
+                                                             {"tab", KeyCode::Tab}};
+    for (const auto& [known, code] : keys) {
+        if (known == name) m_robot.key({code, {}});
     }
 }
 

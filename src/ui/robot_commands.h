@@ -23,6 +23,7 @@ struct Robot {
 //     tap ID          the target of that id on the screen that is open
 //     touch X Y       any place
 //     keys TEXT       the keys of a keyboard
+//     key NAME        escape, return, back or tab
 //     targets         what can be touched now
 //     picture FILE    what is seen
 class RobotCommands {
@@ -36,6 +37,7 @@ class RobotCommands {
     void Tap(std::string_view id);
     void Touch(std::string_view place);
     void Keys(std::string_view text);
+    void Key(std::string_view name);
     void Targets();
     void Picture(std::string_view file);
     void Say(std::string_view text);
