@@ -13,9 +13,12 @@ StoreFile::StoreFile(UnitFiles& files, Log& log, const StorePlace& place, std::s
       m_capacity(place.capacity) {}
 
 std::string StoreFile::Load() {
-    std::lock_guard lock(m_mutex);
     std::string bytes;
-    const FileRead read = Read(bytes);
+    FileRead read = m_files.Read(m_path, largestFile, bytes);
+    if (read == FileRead::Missing && !m_factoryPath.empty()) {
+        std::lock_guard lock(m_mutex);
+        read = Read(bytes);
+    }
     if (read == FileRead::Failed) LogFailure("cannot be read");
     if (read == FileRead::TooLarge) LogFailure("is too large");
     KeepWholeRecords(bytes);

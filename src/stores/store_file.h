@@ -34,7 +34,8 @@ struct StorePlace {
 };
 
 // One object owns one file, and each change is one operation under its lock: load, change, write back. Any
-// thread may call; a call takes as long as the flash needs.
+// thread may call; a change takes as long as the flash needs, but nobody who loads waits for it, because a
+// file is replaced in one step.
 //
 // A tail that is no whole record is left out, and is gone after the next change. A file of more than
 // `largestFile` bytes is none of ours: it loads as empty, and the first change sets it aside as "<path>.old".

@@ -92,6 +92,8 @@ class Dialog {
     void OnKeyEvent(const KeyEvent& event);
     void OnHover(Point at);
     void CancelTouch();
+    // The soft keyboard comes for a field of this dialog, or goes.
+    virtual void OnSoftKeyboard(bool) {}
     // What the screens show of the session may have changed.
     virtual void OnSessionChanged() {}
     // For a scroll bar of this dialog.

@@ -35,6 +35,11 @@ EditField::EditField(Dialog& parent, const EditSpec& spec)
     Layout();
 }
 
+void EditField::SetPlace(const Rect& placeInDialog) {
+    MoveWindow(placeInDialog);
+    Layout();
+}
+
 void EditField::SetColors(ColorRef text, ColorRef ground) {
     m_color = text;
     m_ground = ground;

@@ -26,6 +26,7 @@ class EditField final : public Control {
     void Backspace();
     // As a touch does: takes the focus and raises the soft keyboard.
     void Edit();
+    void SetPlace(const Rect& placeInDialog);
     void SetColors(ColorRef text, ColorRef ground);
     const EditSpec& Spec() const { return m_spec; }
     // The user has changed the text.

@@ -1,6 +1,6 @@
 #include "ui/message_boxes_dlg.h"
 
-#include <cstring>
+#include <algorithm>
 #include <utility>
 
 #include "ui/message_text.h"

@@ -63,12 +63,16 @@ void SoftKeyboard::SipShowIM(bool on, Dialog& owner) {
         m_owner = nullptr;
         CancelPress();
         ShowWindow(false);
+        owner.OnSoftKeyboard(false);
         return;
     }
     const auto* const field = dynamic_cast<const EditField*>(owner.Focus());
     if (!field) return;
+    if (m_owner && m_owner != &owner) m_owner->OnSoftKeyboard(false);
     m_owner = &owner;
     m_shift = Shift::Off;
+    // It may make room, which decides where the keyboard docks.
+    owner.OnSoftKeyboard(true);
     const bool text = field->Spec().input == EditInput::Text;
     const bool russian = GetDesktop().Texts().GetLanguage() == "russian";
     const KeyboardPage letters = russian ? KeyboardPage::Cyrillic : KeyboardPage::Latin;

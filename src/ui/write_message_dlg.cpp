@@ -23,7 +23,10 @@ constexpr int counterId = 1100;
 
 constexpr auto right = TextFormat::Right | TextFormat::VCenter | TextFormat::SingleLine;
 
-// Both fields lie above the soft keyboard, and so do sending and the phrases.
+// Both fields stand above the soft keyboard while it is there, and so do sending and the phrases.
+constexpr Rect textPlace{24, 138, 564, 324};
+constexpr Rect textAboveKeyboard{24, 138, 564, 144};
+
 constexpr TextSpec texts[] = {
     {.rect = {7, 0, 300, 50}, .caption = "IDS_SENDSMS", .role = TextRole::Title},
     {counterId, {530, 0, 186, 50}, "", TextRole::Secondary, right},
@@ -32,7 +35,7 @@ constexpr TextSpec texts[] = {
 constexpr EditSpec edits[] = {
     {.id = recipientId, .rect = {142, 68, 446, 64}, .input = EditInput::PhoneNumber, .maxUnits = 29},
     {.id = textId,
-     .rect = {24, 138, 564, 144},
+     .rect = textPlace,
      .maxUnits = CWriteMessageDlg::mostUnits,
      .multiLine = true,
      .height = 28},
@@ -40,7 +43,12 @@ constexpr EditSpec edits[] = {
 constexpr ButtonSpec buttons[] = {
     form::Action(0, sendId, "Send", DisabledPicture::Disable, "Send"),
     form::Action(1, phraseId, "Fixed", DisabledPicture::Disable, "Phrase"),
-    form::Action(2, phoneBookId, "SearchItem", DisabledPicture::Dis, "PhoneBook"),
+    {.id = phoneBookId,
+     .rect = {612, 290, 180, 104},
+     .picture = "SearchItem",
+     .disabled = DisabledPicture::Dis,
+     .caption = "PhoneBook",
+     .textOffset = 58},
     form::Exit(exitId),
 };
 constexpr DialogSpec spec{
@@ -76,6 +84,10 @@ void CWriteMessageDlg::OnInitDialog() {
     Get<CSkinButton>(phoneBookId).EnableWindow(m_context.pickNumber != nullptr);
     ShowCounter();
     SetFocus(m_recipient.empty() ? &recipient : &text);
+}
+
+void CWriteMessageDlg::OnSoftKeyboard(bool up) {
+    Get<EditField>(textId).SetPlace(up ? textAboveKeyboard : textPlace);
 }
 
 void CWriteMessageDlg::ShowCounter() {

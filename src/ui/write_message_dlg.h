@@ -27,6 +27,7 @@ class CWriteMessageDlg final : public Dialog {
 
   private:
     void OnInitDialog() override;
+    void OnSoftKeyboard(bool up) override;
     void OnFocusChanged(int id) override;
 
     void ShowCounter();
