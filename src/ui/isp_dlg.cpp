@@ -37,8 +37,9 @@ constexpr int Top(int field) {
     return 66 + field * 67;
 }
 constexpr TextSpec Label(int field) {
-    return {1130 + field, {24, Top(field), 190, 63}, fields[field].label, TextRole::Secondary,
-            oneLine,      TextGround::Static};
+    return {
+        1130 + field,      {16, Top(field) + 8, 232, 47}, fields[field].label, TextRole::Secondary, oneLine,
+        TextGround::Static};
 }
 constexpr TextSpec texts[] = {
     {titleId, {14, 0, 500, 50}, "", TextRole::Title, oneLine},
@@ -52,10 +53,11 @@ constexpr TextSpec texts[] = {
 };
 constexpr EditSpec Field(int field) {
     return {.id = CDlgISP::firstFieldId + field,
-            .rect = {222, Top(field), 370, 63},
+            .rect = {252, Top(field), 340, 63},
             .input = fields[field].input,
             .maxUnits = fields[field].maxUnits,
-            .password = fields[field].password};
+            .password = fields[field].password,
+            .height = 28};
 }
 constexpr EditSpec edits[] = {Field(0), Field(1), Field(2), Field(3), Field(4), Field(5)};
 static_assert(std::size(edits) == fieldCount);

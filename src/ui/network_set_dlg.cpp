@@ -44,7 +44,8 @@ constexpr RadioSpec radios[] = {
 };
 
 constexpr ListSpec lists[] = {{CDlgNetworkSet::listId, {8, 130, 540, 344}, 86}};
-constexpr PlaceSpec places[] = {{barPlaceId, {552, 130, 48, 344}}};
+constexpr Rect barPlace{552, 130, 48, 344};
+constexpr PlaceSpec places[] = {{barPlaceId, barPlace}};
 
 constexpr ButtonSpec Action(int top, int id, std::string_view picture, std::string_view caption) {
     return {.id = id,
@@ -109,6 +110,12 @@ void CDlgNetworkSet::OnInitDialog() {
     ShowTab();
 }
 
+// The background has the channel of the list's scroll bar.
+void CDlgNetworkSet::OnPaint(Canvas& canvas) {
+    if (Get<RadioGroup>(tabsId).Selected() == ModeTab)
+        canvas.FillRect(barPlace, GetDesktop().Colors().background);
+}
+
 void CDlgNetworkSet::OnDestroy() {
     m_bar = nullptr;
     m_picture = m_selectedPicture = nullptr;
@@ -130,6 +137,7 @@ void CDlgNetworkSet::ShowMode() {
 
 void CDlgNetworkSet::ShowTab() {
     const bool operators = Get<RadioGroup>(tabsId).Selected() == OperatorsTab;
+    Invalidate(barPlace);
     Get<RadioGroup>(modesId).ShowWindow(!operators);
     Get<ListBox>(listId).ShowWindow(operators);
     m_bar->ShowWindow(operators);

@@ -28,6 +28,7 @@ class CDlgNetworkSet final : public Dialog {
   private:
     void OnInitDialog() override;
     void OnDestroy() override;
+    void OnPaint(Canvas& canvas) override;
     void OnVScroll(ScrollCode code, int position, CSkinScrollBar& bar) override;
 
     void ShowTab();

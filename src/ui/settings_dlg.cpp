@@ -40,7 +40,7 @@ constexpr TextSpec texts[] = {
     {1111, {24, 62, 148, 80}, "IDS_SOUNDSET", TextRole::Body, oneLine},
     {1112, {24, 146, 240, 63}, "IDS_CALLRING", TextRole::Body, oneLine},
     {1113, {24, 211, 240, 63}, "IDS_NOTERING", TextRole::Body, oneLine},
-    {CSettingsDlg::dataTextId, {376, 341, 212, 63}, "", TextRole::Secondary, atRight},
+    {CSettingsDlg::dataTextId, {376, 341, 216, 63}, "", TextRole::Secondary, atRight},
     {CSettingsDlg::modeTextId, {612, 286, 180, 68}, "", TextRole::Secondary, inColumn},
     {signalTextId, {612, 364, 180, 68}, "", TextRole::Secondary, inColumn},
 };
@@ -60,8 +60,8 @@ constexpr ButtonSpec Volume(int left, int id, std::string_view picture) {
 constexpr ButtonSpec buttons[] = {
     Volume(180, CSettingsDlg::volumeDownId, "SoundSub"),
     Volume(504, CSettingsDlg::volumeUpId, "SoundAdd"),
-    {.id = CSettingsDlg::callRingId, .rect = {276, 146, 312, 62}},
-    {.id = CSettingsDlg::noteRingId, .rect = {276, 211, 312, 62}},
+    {.id = CSettingsDlg::callRingId, .rect = {276, 146, 316, 62}},
+    {.id = CSettingsDlg::noteRingId, .rect = {276, 211, 316, 62}},
     Action(58, CSettingsDlg::centerId, "SmsSet", "IDS_SERVERNUM"),
     Action(170, CSettingsDlg::networkId, "NetworkSet", "IDS_NETWORK_MODE"),
     {.id = CSettingsDlg::exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
