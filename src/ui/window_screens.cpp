@@ -150,10 +150,9 @@ void WindowScreens::SetCallerText(std::string_view text) {
 }
 
 void WindowScreens::ShowUssd(std::string_view text, bool replyExpected) {
-    if (!text.empty()) m_ussdShown = true;
+    m_ussdShown = true;
     Post([this, answer = std::string(text), replyExpected](Shown& shown) {
         shown.ussd.SetText(answer, replyExpected);
-        if (answer.empty()) return;
         shown.ussd.Show([this](DialogResult) { m_ussdShown = false; });
     });
 }

@@ -1,5 +1,8 @@
 // Dialling, tones, incoming calls and dialogues with the network, as the user's finger meets them.
+#include "tests/support/dialog_survey.h"
 #include "tests/ui/call_screens.h"
+#include "ui/dial_pad.h"
+#include "ui/edit_field.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,32 +28,24 @@ constexpr int replyId = 1102;
 constexpr int ussdStateId = 1101;
 
 struct CallScreensTest : testing::Test {
-    CallScreensTest() { bench.OpenModule(); }
-
     void OpenPad() {
         pad.Show();
-        bench.RunFor(1);
+        bench.Settle();
     }
     std::string Display() { return bench.TextOf(pad, displayId); }
-    Dialog& Top() { return *bench.desktop.Stack().back(); }
     ScreenMode Mode() { return bench.dialog->State().MainScreenMode; }
-    void Ring(const std::string& number = "13800138000") {
+    CCallInDlg& Ring(const std::string& number = "13800138000") {
         bench.unit.Command("call " + number);
-        ASSERT_TRUE(bench.RunUntil([this] { return bench.callIn->TakesInput(); }, 3000));
-    }
-    void AcceptCall() {
-        Ring();
-        bench.Tap(*bench.callIn, acceptId);
-        ASSERT_TRUE(bench.RunUntil([this] { return Mode() == ScreenMode::InCall; }, 5000));
-        bench.RunFor(100);
+        return *bench.Await<CCallInDlg>();
     }
     // Dials a service code to which the network has a question.
-    void BeginDialogue() {
+    CUssdDlg& BeginDialogue() {
         bench.unit.Command("ussd-ask 1 Balance");
         bench.unit.Command("ussd 42.00");
-        ASSERT_TRUE(bench.dialog->Calls().Dial("*100#"));
-        ASSERT_TRUE(bench.RunUntil([this] { return bench.ussd->IsOpen(); }, 5000));
+        EXPECT_TRUE(bench.dialog->Calls().Dial("*100#"));
+        CUssdDlg& ussd = *bench.Await<CUssdDlg>();
         bench.unit.TakeTrace();
+        return ussd;
     }
 
     CallScreens bench;
@@ -81,22 +76,20 @@ TEST_F(CallScreensTest, ThePadTypesByFingerAndByKey) {
     EXPECT_THAT(bench.Commands(), IsEmpty()) << "no tone without a call";
     OpenPad();
     EXPECT_EQ(Display(), "") << "the number is lost";
-    for (const TouchTarget& target : pad.Targets())
-        EXPECT_GE(std::min(target.rect.width, target.rect.height), 63) << target.id;
 }
 
 TEST_F(CallScreensTest, ThePadDialsWithEnoughPowerAndANumber) {
     OpenPad();
     bench.unit.Command("power 19");
     bench.Tap(pad, dialId);
-    EXPECT_EQ(bench.shown.Count("warn 28"), 1);
+    EXPECT_EQ(bench.TakeWarning(), 28);
     bench.unit.Command("power 20");
     bench.Tap(pad, dialId);
-    EXPECT_EQ(bench.shown.Count("warn 5"), 1);
+    EXPECT_EQ(bench.TakeWarning(), 5);
     bench.Type("10000");
     bench.unit.Command("power 19");
     bench.Press(KeyCode::Return);
-    EXPECT_EQ(bench.shown.Count("warn 28"), 2);
+    EXPECT_EQ(bench.TakeWarning(), 28);
     EXPECT_EQ(Display(), "10000");
     bench.RunFor(1000);
     EXPECT_THAT(bench.Commands(), IsEmpty());
@@ -106,7 +99,7 @@ TEST_F(CallScreensTest, ThePadDialsWithEnoughPowerAndANumber) {
     EXPECT_FALSE(pad.IsOpen());
     bench.RunFor(1500);
     EXPECT_THAT(bench.Commands(), ElementsAre("ATD10000;"));
-    EXPECT_EQ(bench.shown.Count("status Calling 10000"), 1);
+    EXPECT_EQ(bench.Find<MainScreen>()->Bar().StatusText(), "Calling 10000");
     const auto dialled = bench.dialog->Calls().Lists().dialled.FindCallRecord();
     ASSERT_EQ(dialled.size(), 1u);
     EXPECT_EQ(dialled[0].number.View(), "10000");
@@ -115,7 +108,8 @@ TEST_F(CallScreensTest, ThePadDialsWithEnoughPowerAndANumber) {
 TEST_F(CallScreensTest, ThePadFollowsTheCall) {
     OpenPad();
     bench.Type("55");
-    AcceptCall();
+    bench.Tap(Ring(), acceptId);
+    bench.RunFor(3000);
     bench.unit.TakeTrace();
     EXPECT_FALSE(pad.Get<CSkinButton>(dialId).IsWindowEnabled());
     bench.Tap(pad, 1018);
@@ -135,9 +129,12 @@ TEST_F(CallScreensTest, ThePadFollowsTheCall) {
     EXPECT_THAT(bench.Commands(), Not(Contains("AT+VTS=1")));
     bench.unit.Command("usb down");
     bench.RunFor(20'000);
+    while (bench.TakeWarning() != 0) {
+    }
     bench.Tap(pad, dialId);
+    EXPECT_EQ(bench.TakeWarning(), 18) << "the module is closed";
     bench.Tap(pad, padReturnId);
-    EXPECT_FALSE(pad.IsOpen()) << "without a module there is a way back, too";
+    EXPECT_FALSE(pad.IsOpen());
 }
 
 TEST_F(CallScreensTest, ThePadOpensLikeACurtainWhereTheUnitWantsThat) {
@@ -159,52 +156,48 @@ TEST_F(CallScreensTest, ThePadOpensLikeACurtainWhereTheUnitWantsThat) {
 TEST_F(CallScreensTest, AnIncomingCallIsAboveAllAndCanBeTaken) {
     OpenPad();
     bench.unit.Command("call 13800138000");
-    ASSERT_TRUE(bench.RunUntil([this] { return bench.callIn->IsOpen(); }, 3000));
-    bench.Tap(*bench.callIn, acceptId);
-    EXPECT_TRUE(bench.callIn->Get<CSkinButton>(acceptId).IsWindowEnabled())
+    ASSERT_TRUE(bench.RunUntil([this] { return bench.Find<CCallInDlg>(); }, 3000));
+    CCallInDlg& call = *bench.Find<CCallInDlg>();
+    bench.Tap(call, acceptId);
+    EXPECT_TRUE(call.Get<CSkinButton>(acceptId).IsWindowEnabled())
         << "a finger that was on its way to the pad takes no call";
     bench.RunFor(CCallInDlg::deafTime);
-    pad.EndDialog(DialogResult::Cancel);
-    bench.RunFor(1);
-    OpenPad();
-    EXPECT_EQ(&Top(), bench.callIn.get());
     bench.Type("1\r");
+    bench.Press(KeyCode::Return);
     EXPECT_EQ(Display(), "");
-    EXPECT_EQ(bench.TextOf(*bench.callIn, 1100), "13800138000 is calling");
-    EXPECT_EQ(bench.TextOf(*bench.callIn, 1101), "13800138000");
-    bench.Tap(*bench.callIn, acceptId);
-    EXPECT_FALSE(bench.callIn->Get<CSkinButton>(acceptId).IsWindowEnabled());
+    EXPECT_EQ(&bench.Top(), &call);
+    EXPECT_EQ(bench.TextOf(call, 1100), "13800138000 is calling");
+    EXPECT_EQ(bench.TextOf(call, 1101), "13800138000");
+    bench.Tap(call, acceptId);
+    EXPECT_FALSE(call.Get<CSkinButton>(acceptId).IsWindowEnabled());
     bench.RunFor(3000);
     EXPECT_EQ(Mode(), ScreenMode::InCall);
-    EXPECT_FALSE(bench.callIn->IsOpen());
-    EXPECT_TRUE(pad.IsOpen());
+    EXPECT_EQ(&bench.Top(), &pad);
 }
 
-TEST_F(CallScreensTest, AnIncomingCallCanBeRefusedAndMadeAgain) {
-    Ring("hidden");
-    EXPECT_EQ(bench.TextOf(*bench.callIn, 1100), "Unknown caller is calling");
-    bench.Press(KeyCode::Return);
-    EXPECT_TRUE(bench.callIn->Get<CSkinButton>(acceptId).IsWindowEnabled());
+TEST_F(CallScreensTest, AnIncomingCallIsRefusedOnceTheModemHears) {
+    CCallInDlg& call = Ring("hidden");
+    EXPECT_EQ(bench.TextOf(call, 1100), "Unknown caller is calling");
     bench.unit.Command("late 20s");
-    bench.Tap(*bench.callIn, rejectId);
-    EXPECT_FALSE(bench.callIn->Get<CSkinButton>(rejectId).IsWindowEnabled());
+    bench.Tap(call, rejectId);
+    EXPECT_FALSE(call.Get<CSkinButton>(rejectId).IsWindowEnabled());
     bench.RunFor(CCallInDlg::longestWait);
-    EXPECT_FALSE(bench.callIn->IsOpen() && !bench.callIn->Get<CSkinButton>(rejectId).IsWindowEnabled())
+    EXPECT_TRUE(!call.IsOpen() || call.Get<CSkinButton>(rejectId).IsWindowEnabled())
         << "nobody waits for ever";
     bench.unit.Command("calm");
-    bench.unit.Command("late 0s");
     bench.RunFor(30'000);
-    EXPECT_FALSE(bench.callIn->IsOpen());
+    EXPECT_FALSE(call.IsOpen());
 
-    // The next caller comes while the screen of the one before is leaving.
-    bench.callIn->Show();
-    bench.callIn->EndDialog(DialogResult::Cancel);
-    bench.callIn->Show();
-    bench.RunFor(10);
-    EXPECT_TRUE(bench.callIn->TakesInput() || bench.callIn->IsWindowVisible());
-    EXPECT_EQ(bench.TextOf(*bench.callIn, 1101), "");
+    // The next caller comes while the screen of the one before is leaving, and has no number.
+    bench.shown.ShowIncomingCall(true);
+    bench.Settle();
+    bench.shown.ShowIncomingCall(false);
+    bench.shown.ShowIncomingCall(true);
+    bench.Settle();
+    ASSERT_EQ(&bench.Top(), &call);
+    EXPECT_EQ(bench.TextOf(call, 1101), "");
     bench.RunFor(CCallInDlg::callerTime);
-    EXPECT_EQ(bench.TextOf(*bench.callIn, 1101), "Unknown caller") << "no number was reported";
+    EXPECT_EQ(bench.TextOf(call, 1101), "Unknown caller");
 }
 
 TEST_F(CallScreensTest, CodesAreTypedIntoTheFieldThatIsActive) {
@@ -231,9 +224,8 @@ TEST_F(CallScreensTest, CodesAreTypedIntoTheFieldThatIsActive) {
     EXPECT_EQ(text(1105), "3");
     bench.Tap(codes, idOk);
     EXPECT_TRUE(codes.IsOpen());
-    EXPECT_NE(&Top(), &codes) << "a warning";
-    bench.Press(KeyCode::Return);
-    EXPECT_EQ(&Top(), &codes);
+    EXPECT_EQ(bench.TakeWarning(), 26);
+    EXPECT_EQ(&bench.Top(), &codes);
     EXPECT_EQ(text(1105), "") << "what no key corrects begins anew";
     bench.Type("4");
     bench.Press(KeyCode::Return);
@@ -246,78 +238,114 @@ TEST_F(CallScreensTest, CodesAreTypedIntoTheFieldThatIsActive) {
     bench.Tap(codes, idOk);
     codes.EndDialog(DialogResult::Cancel);
     bench.RunFor(1);
-    EXPECT_THAT(bench.desktop.Stack(), IsEmpty());
+    EXPECT_EQ(bench.Find<CWarnDlg>(), nullptr);
     EXPECT_EQ(codes.Entry().first, "");
 }
 
 TEST_F(CallScreensTest, TheNetworksQuestionIsAnswered) {
-    BeginDialogue();
-    EXPECT_EQ(bench.TextOf(*bench.ussd, ussdStateId), "The network expects an answer");
-    bench.Tap(*bench.ussd, replyId);
-    EXPECT_EQ(bench.TextOf(Top(), 1100), "Reply to the network");
+    CUssdDlg& ussd = BeginDialogue();
+    EXPECT_EQ(bench.TextOf(ussd, ussdStateId), "The network expects an answer");
+    bench.Tap(ussd, replyId);
+    EXPECT_EQ(bench.TextOf(bench.Top(), 1100), "Reply to the network");
     bench.Press(KeyCode::Escape);
     bench.RunFor(2000);
     EXPECT_THAT(bench.Commands(), IsEmpty()) << "a reply that was given up";
 
-    bench.Tap(*bench.ussd, replyId);
+    bench.Tap(ussd, replyId);
     bench.Press(KeyCode::Return);
-    EXPECT_EQ(bench.desktop.Stack().size(), 3u) << "an empty reply is none";
-    bench.Press(KeyCode::Return);
+    EXPECT_EQ(bench.TakeWarning(), 5) << "an empty reply is none";
     bench.Type("1");
     bench.Press(KeyCode::Return);
     bench.RunFor(10);
-    EXPECT_EQ(bench.TextOf(*bench.ussd, ussdStateId), "Waiting for the network…");
-    EXPECT_FALSE(bench.ussd->Get<CSkinButton>(replyId).IsWindowVisible());
+    EXPECT_EQ(bench.TextOf(ussd, ussdStateId), "Waiting for the network…");
+    EXPECT_FALSE(ussd.Get<CSkinButton>(replyId).IsWindowVisible());
     bench.RunFor(5000);
     EXPECT_THAT(bench.Commands(), ElementsAre("AT+CSCS=\"GSM\"", "AT+CUSD=1,\"1\",15"));
-    EXPECT_EQ(bench.shown.Count("ussd 42.00"), 1);
-    EXPECT_EQ(bench.TextOf(*bench.ussd, ussdStateId), "The dialogue with the network has ended");
-    bench.Tap(*bench.ussd, idOk);
-    EXPECT_FALSE(bench.ussd->IsOpen());
+    EXPECT_EQ(bench.TextOf(ussd, ussdStateId), "The dialogue with the network has ended");
+    bench.Tap(ussd, idOk);
+    EXPECT_FALSE(ussd.IsOpen());
     bench.RunFor(2000);
     EXPECT_THAT(bench.Commands(), IsEmpty()) << "there is nothing to end";
 }
 
 TEST_F(CallScreensTest, ADialogueEndsWhoeverLeavesIt) {
     const auto cancelled = ElementsAre("AT+CSCS=\"GSM\"", "AT+CUSD=0,\"*\",15");
-    BeginDialogue();
-    bench.Tap(*bench.ussd, idOk);
+    CUssdDlg& ussd = BeginDialogue();
+    bench.Tap(ussd, idOk);
     bench.RunFor(2000);
     EXPECT_THAT(bench.Commands(), cancelled) << "the user";
 
     BeginDialogue();
-    bench.Tap(*bench.ussd, replyId);
+    bench.Tap(ussd, replyId);
     bench.unit.Command("ussd-end");
     bench.RunFor(1000);
-    EXPECT_EQ(&Top(), bench.ussd.get()) << "the network, while a reply is typed";
-    EXPECT_EQ(bench.TextOf(*bench.ussd, ussdStateId), "The dialogue with the network has ended");
-    bench.Tap(*bench.ussd, idOk);
+    EXPECT_EQ(&bench.Top(), &ussd) << "the network, while a reply is typed";
+    EXPECT_EQ(bench.TextOf(ussd, ussdStateId), "The dialogue with the network has ended");
+    bench.Tap(ussd, idOk);
 
     BeginDialogue();
-    bench.Tap(*bench.ussd, replyId);
+    bench.Tap(ussd, replyId);
     bench.Type("1");
     Ring();
     bench.RunFor(1000);
-    EXPECT_THAT(bench.desktop.Stack(), ElementsAre(bench.callIn.get())) << "a caller";
+    EXPECT_FALSE(ussd.IsOpen() || bench.Find<CNumberDlg>()) << "a caller";
     const std::vector<std::string> commands = bench.Commands();
     EXPECT_EQ(std::count(commands.begin(), commands.end(), "AT+CUSD=0,\"*\",15"), 1);
 }
 
 TEST_F(CallScreensTest, NobodyWaitsForTheNetworkForEver) {
-    BeginDialogue();
+    CUssdDlg& ussd = BeginDialogue();
     bench.unit.Command("time ussd 10m");
-    bench.Tap(*bench.ussd, replyId);
+    bench.Tap(ussd, replyId);
     bench.Type("1");
     bench.Press(KeyCode::Return);
     bench.RunFor(70'000);
-    EXPECT_EQ(bench.shown.Count("warn 16"), 1);
-    EXPECT_TRUE(bench.ussd->Get<CSkinButton>(replyId).IsWindowVisible());
-    bench.Tap(*bench.ussd, idOk);
+    EXPECT_EQ(bench.TakeWarning(), 16);
+    EXPECT_TRUE(ussd.Get<CSkinButton>(replyId).IsWindowVisible());
+    bench.Tap(ussd, idOk);
 
     ASSERT_TRUE(bench.dialog->Calls().Dial("*100#"));
     bench.RunFor(70'000);
-    EXPECT_EQ(bench.shown.Count("warn 16"), 2);
+    EXPECT_EQ(bench.TakeWarning(), 16);
     EXPECT_FALSE(bench.dialog->Calls().Busy()) << "the line is free again";
+}
+
+TEST(CallScreensSurvey, EveryLanguageFitsInBothSkins) {
+    for (const char* skin : {"night", "day"}) {
+        for (const char* name : {"english", "chinese", "tchinese", "russian", "portugal", "arabic"}) {
+            CallScreens bench(skin, name);
+            const auto expectGood = [&](Dialog& screen) {
+                EXPECT_THAT(FaultsOf(screen), IsEmpty()) << skin << " " << name;
+            };
+            CDialPad pad(*bench.context);
+            pad.Show();
+            bench.Type("13800138000");
+            expectGood(pad);
+            bench.unit.Command("call +8613800138000");
+            CCallInDlg& call = *bench.Await<CCallInDlg>();
+            expectGood(call);
+            bench.Tap(call, acceptId);
+            expectGood(call);
+            bench.RunFor(3000);
+            expectGood(pad);
+            CNumberDlg codes(*bench.context, {.title = "Please Input:",
+                                              .firstLabel = "PH-NET pin:",
+                                              .secondLabel = "pin2:",
+                                              .check = nullptr,
+                                              .cancelled = nullptr});
+            codes.Show();
+            bench.Type("1234567890123456");
+            expectGood(codes);
+            codes.EndDialog(DialogResult::Cancel);
+            for (const bool replyExpected : {false, true}) {
+                bench.shown.ShowUssd(bench.language.LoadString("IDS_PHRASESTR4"), replyExpected);
+                expectGood(*bench.Await<CUssdDlg>());
+            }
+            bench.Tap(*bench.Find<CUssdDlg>(), replyId);
+            expectGood(bench.Top());
+            bench.Press(KeyCode::Escape);
+        }
+    }
 }
 
 }  // namespace
