@@ -25,16 +25,10 @@ DataLink::DataLink(Session& session, CommandTurn& turn, Listeners& listeners)
       m_operators(session.platform.files, session.platform.log),
       g_ISPStruct(DefaultIsp()),
       m_waits(session.platform.runtime),
-      m_connection(session, {.onDisconnected =
-                                 [this](DialNumber number) {
-                                     m_worker.Post([this, number] { OnDisconnected(number); });
-                                 },
-                             .onTimeout =
-                                 [this](DialNumber number) {
-                                     m_worker.Post([this, number] {
-                                         if (m_connection.Current() == number) HangUp();
-                                     });
-                                 }}),
+      m_connection(session,
+                   [this](DialNumber number, RasConnection::End end) {
+                       m_worker.Post([this, number, end] { OnEnd(number, end); });
+                   }),
       m_test(session, turn, m_connection, m_waits, [this] { HangUp(); }),
       m_worker(session.platform.runtime, "data link") {}
 
@@ -174,8 +168,13 @@ void DataLink::HangUp() {
     ClearStatus();
 }
 
-void DataLink::OnDisconnected(DialNumber number) {
-    if (m_connection.HangUp(number)) (void)m_waits.Pause(hangUpPause);
+void DataLink::OnEnd(DialNumber number, RasConnection::End end) {
+    if (m_connection.Current() != number) return;
+    if (end == RasConnection::End::TimedOut) {
+        HangUp();
+    } else if (m_connection.HangUp()) {
+        (void)m_waits.Pause(hangUpPause);
+    }
 }
 
 bool DataLink::UsbLinkPresent() {

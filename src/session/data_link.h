@@ -76,7 +76,7 @@ class DataLink {
     bool SetApn(const ISP_Struct& isp);
     RasDialParams ParamsOf(const ISP_Struct& isp) const;
     void HangUp();
-    void OnDisconnected(DialNumber number);
+    void OnEnd(DialNumber number, RasConnection::End end);
     void AnswerAll();
 
     bool UsbLinkPresent();

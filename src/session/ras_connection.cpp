@@ -40,9 +40,8 @@ bool RasConnection::Dial(const RasDialParams& params) {
     return error == RasError::None;
 }
 
-bool RasConnection::HangUp(std::optional<DialNumber> only) {
-    const Dialled ended = m_dialled.With([&](Dialled& dialled) {
-        if (only && dialled.number != *only) return Dialled{};
+bool RasConnection::HangUp() {
+    const Dialled ended = m_dialled.With([this](Dialled& dialled) {
         m_session.state.m_dataState = DataState::Off;
         return std::exchange(dialled, {});
     });
@@ -75,13 +74,13 @@ void RasConnection::OnState(DialNumber number, RasState state) {
     if (state == RasState::OpenPort) StartTimer(number);
     if (now != DataState::Dialling) m_session.platform.loop.KillTimer(dialTimer);
     m_session.screens.Repaint();
-    if (state == RasState::Disconnected) m_ends.onDisconnected(number);
+    if (state == RasState::Disconnected) m_onEnd(number, End::Disconnected);
 }
 
 void RasConnection::StartTimer(DialNumber number) {
     m_session.platform.loop.SetTimer(dialTimer, longestDial, [this, number] {
         m_session.platform.loop.KillTimer(dialTimer);
-        m_ends.onTimeout(number);
+        m_onEnd(number, End::TimedOut);
     });
 }
 

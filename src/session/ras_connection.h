@@ -2,7 +2,7 @@
 #pragma once
 
 #include <functional>
-#include <optional>
+#include <utility>
 
 #include "platform/dial_up.h"
 #include "platform/guarded.h"
@@ -17,19 +17,17 @@ using DialNumber = unsigned;
 // that was hung up meanwhile mean nothing any more. How far it is stands in SessionState::m_dataState.
 class RasConnection {
   public:
-    // Both run on the dialog thread. `onDisconnected`: the connection has ended by itself, `onTimeout`: it
-    // was not there 240 s after the port was opened. It is to be hung up in both cases.
-    struct Ends {
-        std::function<void(DialNumber)> onDisconnected;
-        std::function<void(DialNumber)> onTimeout;
-    };
-    RasConnection(Session& session, Ends ends) : m_session(session), m_ends(std::move(ends)) {}
+    // The connection has ended by itself, or was not there 240 s after its port was opened.
+    enum class End { Disconnected, TimedOut };
+    // `onEnd` runs on the dialog thread; the connection is to be hung up.
+    RasConnection(Session& session, std::function<void(DialNumber, End)> onEnd)
+        : m_session(session), m_onEnd(std::move(onEnd)) {}
     ~RasConnection();
 
     // Starts to dial; false when that is refused. Not while there is a connection.
     [[nodiscard]] bool Dial(const RasDialParams& params);
-    // Takes some seconds. False when there was no connection, or with `only` another one.
-    bool HangUp(std::optional<DialNumber> only = {});
+    // Takes some seconds. False when there was no connection.
+    bool HangUp();
 
     // From Dial to HangUp; None otherwise. Any thread.
     RasHandle Handle() const;
@@ -49,7 +47,7 @@ class RasConnection {
     void StartTimer(DialNumber number);
 
     Session& m_session;
-    Ends m_ends;
+    std::function<void(DialNumber, End)> m_onEnd;
     mutable Guarded<Dialled> m_dialled;
     DialNumber m_last = 0;  // of the thread that dials
 };
