@@ -19,23 +19,20 @@ constexpr int saveId = 1060;
 constexpr int exitId = 1075;
 constexpr int rows = 5;
 
-constexpr Rect LabelRect(int row) {
-    return {20, 70 + row * 80, 156, 72};
+constexpr Rect FieldRect(int row) {
+    return {184, 70 + row * 80, 408, 72};
 }
 constexpr TextSpec Label(int row, std::string_view caption) {
     return {.id = labelId + row,
-            .rect = LabelRect(row),
+            .rect = {20, FieldRect(row).y + 14, 156, 44},
             .caption = caption,
             .role = TextRole::Secondary,
             .format = TextFormat::Left | TextFormat::VCenter | TextFormat::SingleLine,
             .ground = TextGround::Static};
 }
 constexpr EditSpec Field(int row, EditInput input) {
-    const Rect label = LabelRect(row);
-    return {.id = nameId + row,
-            .rect = {label.Right() + 8, label.y, 408, label.height},
-            .input = input,
-            .maxUnits = PhoneBookRecord::longestText};
+    return {
+        .id = nameId + row, .rect = FieldRect(row), .input = input, .maxUnits = PhoneBookRecord::longestText};
 }
 
 constexpr TextSpec texts[] = {

@@ -13,17 +13,25 @@ constexpr int exitId = 1075;
 // In the order of PhoneBooks and PhoneBookKind.
 constexpr std::string_view shown[] = {"IDS_ALL", "IDS_LOCAL", "IDS_SIM"};
 constexpr std::string_view books[] = {"IDS_LOCAL", "IDS_SIM"};
-constexpr std::string_view radio = "\\ResidentFlash2\\bin\\GPRS\\Radio";
+constexpr std::string_view radio = "\\ResidentFlash2\\bin\\GPRS\\Radio1";
 
+constexpr TextSpec Heading(int id, int left, std::string_view caption) {
+    return {id,
+            {left, 72, 196, 56},
+            caption,
+            TextRole::Secondary,
+            TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine};
+}
+constexpr RadioSpec Choice(int id, int left, std::span<const std::string_view> items) {
+    const int height = 66 * static_cast<int>(items.size());
+    return {id, {left, 132, 200, height}, {200, 66}, radio, items, RadioLook::Tab, TextRole::Button};
+}
 constexpr TextSpec texts[] = {
     {1000, {14, 0, 700, 50}, "IDS_ADDRESSLISTMODE", TextRole::Title},
-    {1001, {32, 72, 260, 56}, "IDS_SHOW", TextRole::Secondary},
-    {1002, {320, 72, 260, 56}, "IDS_SAVE_TO", TextRole::Secondary},
+    Heading(1001, 72, "IDS_SHOW"),
+    Heading(1002, 344, "IDS_SAVE_TO"),
 };
-constexpr RadioSpec radios[] = {
-    {showId, {32, 136, 264, 252}, {264, 84}, radio, shown},
-    {saveToId, {320, 136, 264, 168}, {264, 84}, radio, books},
-};
+constexpr RadioSpec radios[] = {Choice(showId, 72, shown), Choice(saveToId, 344, books)};
 constexpr ButtonSpec buttons[] = {{.id = exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"}};
 constexpr DialogSpec spec{
     .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
