@@ -44,6 +44,11 @@ void CancelButton::OnPaint(Canvas& canvas) {
         canvas.StretchBlt(*picture, place);
 }
 
+void CancelButton::OnTouchCancel() {
+    m_pressed = false;
+    Invalidate();
+}
+
 void CancelButton::OnTouch(const TouchEvent& event) {
     const bool inside = reach.Contains(event.at);
     m_pressed = inside && event.action != TouchAction::Up;

@@ -22,6 +22,7 @@ class CancelButton final : public Dialog {
   private:
     void OnPaint(Canvas& canvas) override;
     void OnTouch(const TouchEvent& event) override;
+    void OnTouchCancel() override;
 
     const std::function<void(CancelOffer)> m_onCancel;
     CancelOffer m_offer = CancelOffer::None;

@@ -44,6 +44,12 @@ void Desktop::Add(Dialog& dialog) {
     Invalidate(dialog.Place());
 }
 
+void Desktop::AddAtBottom(Dialog& dialog) {
+    m_stack.insert(m_stack.begin(), &dialog);
+    OnStateChanged();
+    Invalidate(dialog.Place());
+}
+
 void Desktop::Remove(Dialog& dialog) {
     if (m_touched == &dialog) m_touched = nullptr;
     std::erase(m_stack, &dialog);

@@ -67,6 +67,7 @@ class Desktop {
 
     // For dialogs: onto the top of the layer, and off the stack.
     void Add(Dialog& dialog);
+    void AddAtBottom(Dialog& dialog);
     void Remove(Dialog& dialog);
     // A dialog was shown, hidden, enabled or disabled.
     void OnStateChanged();

@@ -224,6 +224,12 @@ void Dialog::BringToTop() {
     m_desktop.Add(*this);
 }
 
+void Dialog::SendToBottom() {
+    if (!m_onStack) return;
+    m_desktop.Remove(*this);
+    m_desktop.AddAtBottom(*this);
+}
+
 void Dialog::Invalidate(const Rect& rect) {
     if (m_visible) m_desktop.Invalidate(Intersection(rect, Place()));
 }

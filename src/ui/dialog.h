@@ -123,6 +123,7 @@ class Dialog {
     // For a dialog without controls: where it stands from now on.
     void MoveTo(const Rect& place);
     void BringToTop();
+    void SendToBottom();
     // Runs `handler` every `period` ms.
     void SetTimer(int id, Ticks period, std::function<void()> handler);
     void KillTimer(int id) { m_timers.Kill(id); }

@@ -164,6 +164,11 @@ void MainScreen::OnTouch(const TouchEvent& event) {
     }
 }
 
+void MainScreen::OnTouchCancel() {
+    m_pressed = noCell;
+    Invalidate();
+}
+
 void MainScreen::Press(int index) {
     m_pressed = index;
     if (index == noCell) return;

@@ -24,6 +24,9 @@ class MainScreen final : public Dialog {
   public:
     MainScreen(ScreenContext& context, Navigation navigation);
 
+    using Dialog::BringToTop;
+    using Dialog::SendToBottom;
+
     TopBar& Bar() { return m_bar; }
     // The telephone's state may be another one: mode, call, data link.
     void Update();
@@ -63,6 +66,7 @@ class MainScreen final : public Dialog {
     void OnInitDialog() override;
     void OnPaint(Canvas& canvas) override;
     void OnTouch(const TouchEvent& event) override;
+    void OnTouchCancel() override;
     void OnCancel() override;
 
     ScreenMode Mode() const { return m_context.session.State().MainScreenMode; }

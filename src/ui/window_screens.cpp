@@ -60,8 +60,16 @@ void WindowScreens::Update(Shown& shown) {
     const auto count = [](const std::function<int()>& counter) { return counter ? counter() : 0; };
     shown.main.SetNews(count(m_hooks.unreadMessages), count(m_hooks.newMissedCalls));
     shown.main.Update();
+    RaiseForCall(shown);
     shown.cancel.SetOffer(shown.main.IsWindowVisible() ? shown.main.Bar().Offer() : CancelOffer::None);
     m_desktop.OnSessionChanged();
+}
+
+// Hanging up must be at hand, whatever screen is open; that one comes back when the call has ended.
+void WindowScreens::RaiseForCall(Shown& shown) {
+    const bool inCall = m_context->session.State().MainScreenMode == ScreenMode::InCall;
+    if (std::exchange(m_inCall, inCall) == inCall) return;
+    inCall ? shown.main.BringToTop() : shown.main.SendToBottom();
 }
 
 void WindowScreens::GiveUp(CancelOffer offer) {
@@ -118,10 +126,17 @@ void WindowScreens::Place(Shown& shown, WindowPlace place) {
         shown.main.Show();
         shown.main.EnableWindow(m_enabled);
     }
-    // The screens above it go and come with it; a call stays.
+    // The screens above it go and come with it, except those that were hidden before; a call stays.
+    const std::vector<Dialog*> hidden = std::exchange(m_hidden, {});
     for (Dialog* const dialog : std::vector<Dialog*>(m_desktop.Stack())) {
-        if (dialog->Spec().layer == DialogLayer::Screens) dialog->ShowWindow(show);
+        if (dialog->Spec().layer != DialogLayer::Screens) continue;
+        const bool wasHidden = std::find(hidden.begin(), hidden.end(), dialog) != hidden.end();
+        if (show ? wasHidden : dialog->IsWindowVisible() || wasHidden) {
+            dialog->ShowWindow(show);
+            if (!show) m_hidden.push_back(dialog);
+        }
     }
+    if (show) shown.main.ShowWindow(true);
     Update(shown);
 }
 

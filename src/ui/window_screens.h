@@ -86,6 +86,7 @@ class WindowScreens final : public Screens {
     void Post(std::function<void(Shown&)> work);
     void Update(Shown& shown);
     void Place(Shown& shown, WindowPlace place);
+    void RaiseForCall(Shown& shown);
     void GiveUp(CancelOffer offer);
     void OpenPrompt(const PromptPtr& prompt);
 
@@ -96,6 +97,8 @@ class WindowScreens final : public Screens {
     ScreenHooks m_hooks;
     std::shared_ptr<Shown> m_shown;
     std::map<WarnCode, std::shared_ptr<CWarnDlg>> m_warnings;  // on the screen
+    std::vector<Dialog*> m_hidden;  // with the window; some may be gone
+    bool m_inCall = false;
     std::atomic<bool> m_enabled = true;
     std::atomic<bool> m_ussdShown = false;
     Guarded<std::vector<PromptPtr>> m_prompts;

@@ -106,16 +106,15 @@ TEST_F(CallScreensTest, ThePadDialsWithEnoughPowerAndANumber) {
 }
 
 TEST_F(CallScreensTest, ThePadFollowsTheCall) {
-    OpenPad();
-    bench.Type("55");
     bench.Tap(Ring(), acceptId);
     bench.RunFor(3000);
+    OpenPad();
     bench.unit.TakeTrace();
     EXPECT_FALSE(pad.Get<CSkinButton>(dialId).IsWindowEnabled());
     bench.Tap(pad, 1018);
     bench.Type("5#");
     bench.RunFor(100);
-    EXPECT_EQ(Display(), "55+5#");
+    EXPECT_EQ(Display(), "+5#");
     EXPECT_THAT(bench.Commands(), ElementsAre("AT+VTS=+", "AT+VTS=5", "AT+VTS=#"));
     bench.Type(std::string(200, '1') + "9");
     EXPECT_EQ(Display().back(), '9') << "tones have no end";
@@ -172,7 +171,10 @@ TEST_F(CallScreensTest, AnIncomingCallIsAboveAllAndCanBeTaken) {
     EXPECT_FALSE(call.Get<CSkinButton>(acceptId).IsWindowEnabled());
     bench.RunFor(3000);
     EXPECT_EQ(Mode(), ScreenMode::InCall);
-    EXPECT_EQ(&bench.Top(), &pad);
+    EXPECT_EQ(&bench.Top(), bench.Find<MainScreen>()) << "the button that hangs up is at hand";
+    bench.unit.Command("hangup");
+    bench.RunFor(3000);
+    EXPECT_EQ(&bench.Top(), &pad) << "what the call covered is back";
 }
 
 TEST_F(CallScreensTest, AnIncomingCallIsRefusedOnceTheModemHears) {
