@@ -108,7 +108,9 @@ inline std::vector<std::string> FaultsOf(Dialog& dialog) {
     for (const ShownText& shown : TextsOf(dialog)) {
         if (!shown.fits) faults.push_back("\"" + shown.text + "\" does not fit");
         if (shown.font.height < 22) faults.push_back("\"" + shown.text + "\" is too small");
-        const double least = shown.color == SkinColors::disabled ? 3 : 4.5;
+        const bool disabled =
+            shown.color == SkinColors::disabled || shown.color == dialog.GetDesktop().Colors().disabled;
+        const double least = disabled ? 3 : 4.5;
         if (Contrast(shown.color, shown.ground) < least) faults.push_back("\"" + shown.text + "\" is faint");
     }
     return faults;

@@ -17,12 +17,13 @@ rm -rf "$unit"
 mkdir -p "$unit/glass"
 setpriv --pdeathsig KILL Xvfb -displayfd 1 -screen 0 800x480x24 -nolisten tcp -fbdir "$unit/glass" \
     >"$unit/display" 2>/dev/null &
-server=$!
+server=$! simulated=
 
 fail() {
     echo "$1" >&2
     cp "$unit/glass/Xvfb_screen0" "$unit/screen.xwd" 2>/dev/null || true
     tail -n 40 "$unit/output" >&2
+    [ -z "$simulated" ] || kill "$simulated"
     exit 1
 }
 

@@ -1,0 +1,208 @@
+// Every screen of the telephone as its user meets it, on a display that nobody sees, above an open module.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tests/support/screen_bench.h"
+#include "ui/call_in_dlg.h"
+#include "ui/call_records_dlg.h"
+#include "ui/cancel_button.h"
+#include "ui/center_dlg.h"
+#include "ui/contact_dlg.h"
+#include "ui/dial_pad.h"
+#include "ui/edit_contact_dlg.h"
+#include "ui/edit_field.h"
+#include "ui/isp_dlg.h"
+#include "ui/main_screen.h"
+#include "ui/message_boxes_dlg.h"
+#include "ui/network_set_dlg.h"
+#include "ui/number_dlg.h"
+#include "ui/phone_book_dlg.h"
+#include "ui/phone_book_set.h"
+#include "ui/phrase_dlg.h"
+#include "ui/prompt_dlg.h"
+#include "ui/read_message_dlg.h"
+#include "ui/settings_dlg.h"
+#include "ui/ussd_dlg.h"
+#include "ui/warn_dlg.h"
+#include "ui/write_message_dlg.h"
+
+namespace varkel::test {
+
+struct Gallery : ScreenBench {
+    Gallery(const std::string& skin, const std::string& languageName) : ScreenBench(skin, languageName) {
+        dialog->OpenModule();
+        RunUntilOpenEnds();
+        ann.name = "Ann Li";
+        ann.numbers = {"13800138000", "01065550100", "", ""};
+        dialog->Phones().Add(PhoneBookKind::Local, ann, [](PhoneBookResult) {});
+        dialog->Phones().Add(PhoneBookKind::Local, {"Юрий 王", {"+8613912345678", "", "", ""}},
+                             [](PhoneBookResult) {});
+        MessageBox& inbox = dialog->Messages().Boxes().inbox;
+        (void)inbox.Append(message);
+        (void)inbox.Append(MakeSmsRecord(SmsTime("2009-03-08 07:30"), "10010",
+                                         NarrowFromUtf8(codePage, "Счёт: 12.50. 余额"), SmsState::Unread));
+        for (const char* number : {"13800138000", "10010"})
+            (void)dialog->Calls().Lists().missed.Append(
+                MakeCallRecord({2009, 3, 7, 18, 5, 0}, number, number));
+        RunFor(3000);
+    }
+
+    template <class Screen, class... Arguments>
+    std::unique_ptr<Screen> Open(Arguments&&... arguments) {
+        auto screen = std::make_unique<Screen>(std::forward<Arguments>(arguments)...);
+        screen->Show();
+        RunFor(10);
+        return screen;
+    }
+    std::unique_ptr<MainScreen> OpenMain(ScreenMode mode) {
+        dialog->State().MainScreenMode = mode;
+        auto screen = Open<MainScreen>(*context, Navigation{});
+        screen->Bar().SetSignalLevel(4);
+        screen->SetNews(1, 2);
+        screen->Update();
+        return screen;
+    }
+    void Touch(Point at) {
+        display.Tap(at);
+        RunFor(10);
+    }
+    CodeRequest Codes(std::string first, std::string second) const {
+        return {.title = "IDS_INPUT",
+                .firstLabel = std::move(first),
+                .secondLabel = std::move(second),
+                .check = [](auto, auto) { return std::optional<WarnCode>(); },
+                .cancelled = nullptr};
+    }
+
+    std::unique_ptr<MainScreen> below;  // the screen
+    PhoneText ann;
+    const SmsRecord message =
+        MakeSmsRecord(SmsTime("2009-03-07 18:05"), "13800138000", "Where are you?", SmsState::Opened);
+};
+
+struct Exhibit {
+    using Screen = std::unique_ptr<Dialog>;
+
+    const char* name;
+    Screen (*open)(Gallery&);
+};
+
+inline void Ring(Gallery& g) {
+    g.unit.Command("call 13800138000");
+    g.RunUntil([&g] { return !g.dialog->Calls().CallerNumber().empty(); }, 5000);
+}
+
+inline Exhibit::Screen IncomingCall(Gallery& g) {
+    Ring(g);
+    auto screen = g.Open<CCallInDlg>(*g.context);
+    screen->SetCallerText("13800138000");
+    g.RunFor(2000);
+    return screen;
+}
+
+inline Exhibit::Screen InCall(Gallery& g) {
+    Ring(g);
+    g.dialog->Calls().Answer();
+    g.RunUntil([&g] { return g.dialog->State().MainScreenMode == ScreenMode::InCall; }, 5000);
+    auto screen = g.OpenMain(ScreenMode::InCall);
+    g.RunFor(4500);
+    return screen;
+}
+
+// The button that gives the start up, above the main screen.
+inline Exhibit::Screen Starting(Gallery& g) {
+    g.dialog->CloseModule();
+    g.RunFor(20'000);
+    g.dialog->OpenModule();
+    g.RunFor(3000);
+    g.below = g.OpenMain(ScreenMode::Closed);
+    g.below->SetNews(0, 0);
+    g.below->Bar().SetStatusText(g.texts.LoadString("IDS_INITING"));
+    g.below->Bar().ShowOpenStep(OpenStep::SearchNetwork, 80'000);
+    g.below->Update();
+    auto screen = std::make_unique<CancelButton>(g.desktop, nullptr);
+    screen->SetOffer(CancelOffer::ModuleStart);
+    return screen;
+}
+
+inline Exhibit::Screen WriteMessage(Gallery& g) {
+    auto screen = g.Open<CWriteMessageDlg>(*g.context, "13800138000", "On my way");
+    const Rect field = screen->Get<EditField>(1021).Place();
+    g.Touch({field.x + 20, field.y + 20});
+    return screen;
+}
+
+template <class Screen>
+Exhibit::Screen Plain(Gallery& g) {
+    return g.Open<Screen>(*g.context);
+}
+
+inline constexpr Exhibit exhibits[] = {
+    {"main-idle", [](Gallery& g) -> Exhibit::Screen { return g.OpenMain(ScreenMode::Idle); }},
+    {"dial-pad",
+     [](Gallery& g) -> Exhibit::Screen {
+         auto screen = Plain<CDialPad>(g);
+         for (const char* const key : {"1", "3", "8", "0", "0", "1", "3", "8", "0", "0", "0"})
+             g.display.Key({KeyCode::None, key});
+         return screen;
+     }},
+    {"code",
+     [](Gallery& g) -> Exhibit::Screen { return g.Open<CNumberDlg>(*g.context, g.Codes("pin:", "")); }},
+    {"two-codes",
+     [](Gallery& g) -> Exhibit::Screen { return g.Open<CNumberDlg>(*g.context, g.Codes("puk:", "pin:")); }},
+    {"service-reply",
+     [](Gallery& g) -> Exhibit::Screen {
+         return g.Open<CNumberDlg>(*g.context, g.Codes("", ""), NumberMode::UssdReply, "1 Balance\n2 Tariff");
+     }},
+    {"service-answer",
+     [](Gallery& g) -> Exhibit::Screen {
+         auto screen = g.Open<CUssdDlg>(*g.context);
+         screen->SetText("1 Balance\n2 Tariff\n3 Messages", true);
+         return screen;
+     }},
+    {"messages", Plain<CMessageBoxesDlg>},
+    {"message",
+     [](Gallery& g) -> Exhibit::Screen {
+         return g.Open<CReadMessageDlg>(*g.context, SmsBox::Inbox, g.message);
+     }},
+    {"write-message", WriteMessage},
+    {"phrases", [](Gallery& g) -> Exhibit::Screen { return g.Open<CPhraseDlg>(g.desktop); }},
+    {"phonebook",
+     [](Gallery& g) -> Exhibit::Screen { return g.Open<CPhoneBookDlg>(*g.context, PhoneBookMode::Use); }},
+    {"phonebook-settings", Plain<CPhoneBookSet>},
+    {"contact",
+     [](Gallery& g) -> Exhibit::Screen {
+         return g.Open<CContactDlg>(*g.context, g.dialog->Phones().Find(PhoneBooks::Local, "Ann").at(0),
+                                    PhoneBookMode::Use, nullptr);
+     }},
+    {"new-contact", [](Gallery& g) -> Exhibit::Screen { return g.Open<CEditContactDlg>(*g.context, g.ann); }},
+    {"call-records", Plain<CCallRecordsDlg>},
+    {"settings", Plain<CSettingsDlg>},
+    {"service-centre", Plain<CCenterDlg>},
+    {"network", Plain<CDlgNetworkSet>},
+    {"operators",
+     [](Gallery& g) -> Exhibit::Screen {
+         auto screen = Plain<CDlgNetworkSet>(g);
+         g.Touch({300, 90});
+         return screen;
+     }},
+    {"operator", Plain<CDlgISP>},
+    {"warning",
+     [](Gallery& g) -> Exhibit::Screen {
+         return g.Open<CWarnDlg>(g.desktop, WarnCode::DeletePrompt, WarnButtonMode::OkCancel);
+     }},
+    {"tip",
+     [](Gallery& g) -> Exhibit::Screen {
+         auto screen = std::make_unique<CPromptDlg>(g.desktop);
+         screen->ShowTip(g.texts.LoadString("IDS_SENDINGNOTE"));
+         return screen;
+     }},
+    {"incoming-call", IncomingCall},
+    {"main-in-call", InCall},
+    {"main-starting", Starting},
+};
+
+}  // namespace varkel::test
