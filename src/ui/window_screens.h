@@ -97,7 +97,7 @@ class WindowScreens final : public Screens {
     ScreenHooks m_hooks;
     std::shared_ptr<Shown> m_shown;
     std::map<WarnCode, std::shared_ptr<CWarnDlg>> m_warnings;  // on the screen
-    std::vector<Dialog*> m_hidden;  // with the window; some may be gone
+    std::vector<Dialog*> m_hidden;                             // with the window; some may be gone
     bool m_inCall = false;
     std::atomic<bool> m_enabled = true;
     std::atomic<bool> m_ussdShown = false;

@@ -1,12 +1,12 @@
 // Dialling, tones, incoming calls and dialogues with the network, as the user's finger meets them.
-#include "tests/support/dialog_survey.h"
 #include "tests/ui/call_screens.h"
-#include "ui/dial_pad.h"
-#include "ui/edit_field.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/dialog_survey.h"
+#include "ui/dial_pad.h"
+#include "ui/edit_field.h"
 #include "ui/skin_button.h"
 
 namespace varkel::test {
