@@ -53,5 +53,6 @@ unshare --mount --pid --ipc --fork sh -eu -c '
     done
     exec chroot "$1" sh /tmp/try-package.sh "$2"
 ' sh "$clean/root" "$version"
+cp "$clean/root/tmp/call.png" out/check-package.png
 rm -rf "$clean/root"
 say "installed, opened the modem and was removed without a trace"

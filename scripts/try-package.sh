@@ -27,17 +27,23 @@ id varkel | grep -q dialout
 systemd-analyze verify --man=no /usr/lib/systemd/system/varkel.service
 XDG_RUNTIME_DIR=/run systemd-analyze --user verify --man=no /usr/lib/systemd/user/varkel.service
 
-# A driver's own run: everything comes from the package but the unit.
+# A driver's own run, by touch: everything comes from the package but the unit.
 cat >scenario.txt <<'TEXT'
-expect  "Please Input: pin:" within 60s
-+1s     type-secret 1234
+expect  "[input]" within 60s
++1s     type tap 1059
++200ms  type tap 1033
++200ms  type tap 1034
++200ms  type tap 1060
++200ms  type tap 1
 expect  "the modem is open" within 120s
 +1s     call 13800138000
 expect  "UM_CALLIN" within 10s
-end
++1s     type picture call.png
++1s     end
 TEXT
 su driver -c 'cd && dbus-run-session -- varkel-sim --unit-dir unit --pin 1234 --scenario /tmp/scenario.txt -- \
-    varkel --headless --unit-file unit/unit.conf --language portugal'
+    varkel --offscreen --unit-file unit/unit.conf --language portugal --palette day'
+cp /home/driver/call.png .
 
 # The system's service, with its user, its unit file and its bus, on a modem that never comes.
 mkdir -p /run/dbus /run/varkel /var/lib/varkel
