@@ -11,13 +11,6 @@
 #include "tests/platform/private_bus.h"
 #include "tests/support/scratch.h"
 
-// All connections of a process share one hash key inside libsystemd, which renews it without a lock. A
-// program has one connection; only tests have several.
-// NOLINTNEXTLINE(bugprone-reserved-identifier)
-extern "C" const char* __tsan_default_suppressions() {
-    return "race:getrandom\n";
-}
-
 namespace varkel {
 namespace {
 
