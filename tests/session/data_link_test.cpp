@@ -34,7 +34,7 @@ TEST(AccessPoint, IsThatOfTheFirstOperatorThatServesTheSim) {
         EXPECT_EQ(bench.dialog->Data().CurrentIsp().szAPN.View(), found ? row.chosen : "earlier");
         EXPECT_EQ(settings.ReadIsp()->szAPN.View(), found ? row.chosen : "earlier");
         EXPECT_EQ(bench.screens.Count("warn 38"), found ? 0 : 1);
-        EXPECT_EQ(bench.dialUp.dialled.size(), found ? 1u : 0u);
+        EXPECT_EQ(bench.dialUp.Dialled().size(), found ? 1u : 0u);
     }
 }
 
@@ -84,12 +84,12 @@ TEST_F(Data, IsDialledAndHungUpWithItsPauses) {
     link.OpenNet();
     bench.RunFor(1100);
     EXPECT_THAT(bench.Commands(), ElementsAre("AT+CGDCONT=1,\"IP\",\"my.apn\""));
-    EXPECT_EQ(bench.dialUp.dialled.size(), 1u);
+    EXPECT_EQ(bench.dialUp.Dialled().size(), 1u);
     EXPECT_NEAR(untilCleared(), 3100, 200);
     link.OpenNet();
     bench.RunFor(6000);
-    ASSERT_EQ(bench.dialUp.dialled.size(), 2u) << "there is a connection already";
-    const RasDialParams& params = bench.dialUp.dialled.back();
+    ASSERT_EQ(bench.dialUp.Dialled().size(), 2u) << "there is a connection already";
+    const RasDialParams params = bench.dialUp.Dialled().back();
     EXPECT_EQ(params.entryName + " " + params.userName + " " + params.password, "connet 名 secret");
     EXPECT_EQ(bench.LogContent().find("secret"), std::string::npos);
 }
@@ -160,7 +160,7 @@ TEST_F(Data, IsHungUpForAPoorSignalAndDialledAgainWithAGoodOne) {
     EXPECT_TRUE(AtRest());
     bench.unit.Command("signal 8");
     bench.RunFor(60'000);
-    EXPECT_EQ(bench.dialUp.dialled.size(), 2u);
+    EXPECT_EQ(bench.dialUp.Dialled().size(), 2u);
     EXPECT_EQ(heard.size(), 1u);
 }
 
@@ -168,7 +168,7 @@ TEST_F(Data, IsTestedOnceForAllWhoAskAndHungUpByTheThirdFailure) {
     const Result works{LinkStatus::Works, LinkReason::None};
     const Result silent{LinkStatus::DoesNotWork, LinkReason::None};
     EXPECT_EQ(TestLink(bench), works);
-    EXPECT_THAT(bench.icmp.asked, ElementsAre("10.64.64.64")) << "the other end";
+    EXPECT_THAT(bench.icmp.Asked(), ElementsAre("10.64.64.64")) << "the other end";
     EXPECT_THAT(bench.Commands(), IsEmpty());
     bench.icmp.allSilent = true;
     for (int dial = 1; dial <= 2; ++dial) {
@@ -179,9 +179,9 @@ TEST_F(Data, IsTestedOnceForAllWhoAskAndHungUpByTheThirdFailure) {
             EXPECT_EQ(TestLink(bench), silent);
         }
         EXPECT_EQ(bench.dialUp.hangUps, dial);
-        EXPECT_EQ(bench.icmp.asked.size(), 1u + 3u * static_cast<unsigned>(dial));
+        EXPECT_EQ(bench.icmp.Asked().size(), 1u + 3u * static_cast<unsigned>(dial));
         EXPECT_EQ(TestLink(bench), silent) << "without a connection nobody is asked";
-        EXPECT_EQ(bench.icmp.asked.size(), 1u + 3u * static_cast<unsigned>(dial));
+        EXPECT_EQ(bench.icmp.Asked().size(), 1u + 3u * static_cast<unsigned>(dial));
         Dial();
     }
 }
@@ -214,7 +214,7 @@ TEST(LinkDiagnosis, NamesTheReason) {
         bench.dialog->Data().RasHangUp();
         EXPECT_EQ(TestLink(bench), Result(LinkStatus::DoesNotWork, row.reason))
             << testing::PrintToString(row.world);
-        EXPECT_THAT(bench.icmp.asked, IsEmpty());
+        EXPECT_THAT(bench.icmp.Asked(), IsEmpty());
     }
 }
 

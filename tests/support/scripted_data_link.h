@@ -1,6 +1,7 @@
 // A dial-up service and a network that do what the test says.
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <set>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "platform/dial_up.h"
+#include "platform/guarded.h"
 #include "platform/icmp_echo.h"
 #include "platform/message_loop.h"
 
@@ -22,7 +24,7 @@ class ScriptedDialUp final : public DialUp {
                      RasHandle& handle) override {
         {
             const std::lock_guard lock(m_mutex);
-            dialled.push_back(params);
+            m_dialled.push_back(params);
             handle = RasHandle::None;
             if (refusal != RasError::None) return refusal;
             handle = m_current = static_cast<RasHandle>(++m_last);
@@ -54,21 +56,30 @@ class ScriptedDialUp final : public DialUp {
         if (notifier) m_loop.Post([notifier, state] { notifier(state); });
     }
 
+    std::vector<RasDialParams> Dialled() {
+        const std::lock_guard lock(m_mutex);
+        return m_dialled;
+    }
+    void ForgetDialled() {
+        const std::lock_guard lock(m_mutex);
+        m_dialled.clear();
+    }
+
     RasHandle Current() {
         const std::lock_guard lock(m_mutex);
         return m_current;
     }
 
-    RasError refusal = RasError::None;
-    bool connects = false;
-    std::vector<RasDialParams> dialled;
-    int hangUps = 0;
+    std::atomic<RasError> refusal = RasError::None;
+    std::atomic<bool> connects = false;
+    std::atomic<int> hangUps = 0;
     std::string peerAddress = "10.64.64.64";
 
   private:
     MessageLoop& m_loop;
     std::mutex m_mutex;
     std::uint32_t m_last = 0;
+    std::vector<RasDialParams> m_dialled;
     RasHandle m_current = RasHandle::None;
     std::function<void(RasState)> m_notifier;
 };
@@ -79,18 +90,21 @@ class ScriptedIcmp final : public IcmpEcho {
     explicit ScriptedIcmp(Runtime& runtime) : m_runtime(runtime) {}
 
     bool IcmpSendEcho(std::string_view address, std::span<const std::byte>, Ticks timeout) override {
-        asked.emplace_back(address);
+        m_asked.With([&](std::vector<std::string>& asked) { asked.emplace_back(address); });
         const bool answers = !allSilent && !silent.contains(std::string(address));
         m_runtime.Sleep(answers ? 20 : timeout);
         return answers;
     }
 
     std::set<std::string> silent;
-    bool allSilent = false;
-    std::vector<std::string> asked;
+    std::atomic<bool> allSilent = false;
+
+    std::vector<std::string> Asked() const { return m_asked.Get(); }
+    void ForgetAsked() { m_asked.Set({}); }
 
   private:
     Runtime& m_runtime;
+    Guarded<std::vector<std::string>> m_asked;
 };
 
 }  // namespace varkel::test

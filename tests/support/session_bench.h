@@ -77,8 +77,8 @@ struct SessionBench {
         sound.Forget();
         notices.Forget();
         screens.Forget();
-        dialUp.dialled.clear();
-        icmp.asked.clear();
+        dialUp.ForgetDialled();
+        icmp.ForgetAsked();
     }
 
     std::string LogContent() { return files.Content("Nandflash\\3G.ini"); }

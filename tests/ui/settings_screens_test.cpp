@@ -212,7 +212,7 @@ TEST_F(SettingsScreen, ClosingWithoutAChangeAsksForNothing) {
 TEST_F(SettingsScreen, TheModemIsSwitchedOnWithTheDataLinkOrWithout) {
     for (const bool withData : {true, false}) {
         dialUp.connects = true;
-        dialUp.dialled.clear();
+        dialUp.ForgetDialled();
         Show({[&] { TapModem(0); },
               [&] { EXPECT_TRUE(desktop.Active()->Get<CheckBox>(CSettingsDlg::dataId).IsChecked()); },
               [&] {
@@ -222,7 +222,7 @@ TEST_F(SettingsScreen, TheModemIsSwitchedOnWithTheDataLinkOrWithout) {
         ExpectRequests(withData ? "on open " : "on ");
         ASSERT_TRUE(RunUntilOpenEnds());
         RunFor(5000);
-        EXPECT_EQ(dialUp.dialled.size(), withData ? 1u : 0u);
+        EXPECT_EQ(dialUp.Dialled().size(), withData ? 1u : 0u);
         Show({[&] { TapModem(1); },
               [&] {
                   const auto& data = desktop.Active()->Get<CheckBox>(CSettingsDlg::dataId);
