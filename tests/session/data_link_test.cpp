@@ -43,7 +43,8 @@ using Result = std::pair<LinkStatus, LinkReason>;
 // The result of a test.
 Result TestLink(SessionBench& bench) {
     std::optional<LinkResult> result;
-    bench.dialog->Data().PingTest([&result](LinkResult found) { result = found; });
+    bench.dialog->Data().PingTest(
+        [&](LinkResult found) { bench.loop.Post([&result, found] { result = found; }); });
     if (!bench.RunUntil([&] { return result.has_value(); }, 60'000)) return {};
     return {result->status, result->reason};
 }
