@@ -1,6 +1,6 @@
-// What ThreadSanitizer cannot see. Pango looks for fonts on a thread of its own, and the text libraries lock by
-// system calls that are not announced to it. All connections of a process share one hash key inside libsystemd,
-// which renews it without a lock; a program has one connection, only tests have several.
+// What ThreadSanitizer cannot see. Pango looks for fonts on a thread of its own, and the text libraries lock
+// by system calls that are not announced to it. All connections of a process share one hash key inside
+// libsystemd, which renews it without a lock; a program has one connection, only tests have several.
 extern "C" const char* __tsan_default_suppressions();
 
 extern "C" const char* __tsan_default_suppressions() {
