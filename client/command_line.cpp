@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "platform/language.h"
+
 namespace varkel::client {
 
 namespace {
@@ -21,6 +23,10 @@ class Commands {
         send->add_option("number", parsed.number, "at most 15 digits, with + an international one")
             ->required();
         send->add_option("text", parsed.text, "at most 115 characters")->required();
+        Add(app, Command::Language, "language", "change the language of the unit's screens")
+            ->add_option("name", parsed.language, "of the language")
+            ->required()
+            ->check(CLI::IsMember(std::vector<std::string>(languageNames.begin(), languageNames.end())));
         CLI::App* const call = app.add_subcommand("call", "call a number that the unit has stored");
         call->require_subcommand(1);
         Add(*call, Command::CallSos, "sos", "the emergency number");

@@ -19,6 +19,7 @@ enum class Command {
     Status,
     Watch,
     Send,
+    Language,
     CallSos,
     CallHelp,
     RegGet,
@@ -32,6 +33,7 @@ struct CommandLine {
     std::optional<Ticks> timeout;  // ms; each command has its own
     std::string number;
     std::string text;
+    std::string language;
     std::string key;
     std::string name;
     std::string value;

@@ -36,6 +36,7 @@ ExitCode RunOnProgram(const CommandLine& line, const UnitSettings& settings, Lin
         case Command::Status: return AskStatus(program, timeout(answerTimeout));
         case Command::Send:
             return SendShortMessage(program, settings, line.number, line.text, timeout(sendTimeout));
+        case Command::Language: return Tell(program, "LANGUAGE_CHANGE");
         case Command::Watch: return Watch(program, loop);
         default: return ExitCode::Usage;
     }
@@ -50,6 +51,10 @@ ExitCode Run(const CommandLine& line) {
         case Command::RegGet: return GetRegistryValue(settings.registry, line.key, line.name);
         case Command::RegSet: return SetRegistryValue(settings.registry, line.key, line.name, line.value);
         case Command::RegList: return ListRegistry(settings.registry, line.key);
+        case Command::Language:
+            if (const ExitCode code = SetLanguage(settings.registry, line.language); code != ExitCode::Ok)
+                return code;
+            break;
         default: break;
     }
     LinuxRuntime runtime;

@@ -31,23 +31,29 @@ std::string OneLine(std::string text) {
     return text;
 }
 
+std::optional<std::string> Find(SqliteRegistry& registry, std::string_view key, std::string_view name) {
+    const std::string_view path = key.substr(0, key.find_last_not_of('\\') + 1);
+    const auto entries = registry.List(path);
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const RegistryEntry& entry) {
+        return EqualIgnoringCase(entry.key, path) && EqualIgnoringCase(entry.name, name);
+    });
+    if (found == entries.end()) return std::nullopt;
+    const std::string text = RegistryValueText(found->value);
+    return text.substr(text.find(':') + 1);
+}
+
+constexpr const char* languageKey = "Device\\CONFIG";
+constexpr const char* languageName = "Language";
+
 }  // namespace
 
 std::optional<std::string> ReadRegistryValue(const std::string& file, const std::string& key,
                                              const std::string& name) {
     const auto registry = OpenExisting(file);
     if (!registry) return std::nullopt;
-    const std::string_view path = std::string_view(key).substr(0, key.find_last_not_of('\\') + 1);
-    const auto entries = registry->List(path);
-    const auto found = std::find_if(entries.begin(), entries.end(), [&](const RegistryEntry& entry) {
-        return EqualIgnoringCase(entry.key, path) && EqualIgnoringCase(entry.name, name);
-    });
-    if (found == entries.end()) {
-        Report(key + " has no value " + name);
-        return std::nullopt;
-    }
-    const std::string text = RegistryValueText(found->value);
-    return text.substr(text.find(':') + 1);
+    auto value = Find(*registry, key, name);
+    if (!value) Report(key + " has no value " + name);
+    return value;
 }
 
 ExitCode GetRegistryValue(const std::string& file, const std::string& key, const std::string& name) {
@@ -66,6 +72,15 @@ ExitCode SetRegistryValue(const std::string& file, const std::string& key, const
     if (!opened || !opened->RegSetValueEx(name, *parsed) || !registry->RegFlushKey())
         return Fail(ExitCode::Failed, "the value cannot be written");
     return ExitCode::Ok;
+}
+
+std::string ReadLanguage(const std::string& file, const std::string& initial) {
+    const auto registry = OpenExisting(file);
+    return (registry ? Find(*registry, languageKey, languageName) : std::nullopt).value_or(initial);
+}
+
+ExitCode SetLanguage(const std::string& file, const std::string& name) {
+    return SetRegistryValue(file, languageKey, languageName, "sz:" + name);
 }
 
 ExitCode ListRegistry(const std::string& file, const std::string& key) {

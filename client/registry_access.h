@@ -17,6 +17,9 @@ std::optional<std::string> ReadRegistryValue(const std::string& file, const std:
 ExitCode GetRegistryValue(const std::string& file, const std::string& key, const std::string& name);
 ExitCode SetRegistryValue(const std::string& file, const std::string& key, const std::string& name,
                           const std::string& value);
+// The language of the screens: what was set, or `initial`, with which the unit begins.
+std::string ReadLanguage(const std::string& file, const std::string& initial);
+ExitCode SetLanguage(const std::string& file, const std::string& name);
 // The values of `key` and of the keys below it, of all keys when it is empty, as an initial registry.
 ExitCode ListRegistry(const std::string& file, const std::string& key);
 

@@ -6,7 +6,7 @@
 
 #include "client/answer_event.h"
 #include "client/registry_access.h"
-#include "platform/linux/iconv_code_page.h"
+#include "platform/linux/display_code_page.h"
 #include "platform/text.h"
 
 namespace varkel::client {
@@ -54,7 +54,9 @@ ExitCode SendShortMessage(PhoneProgram& program, const UnitSettings& settings, c
                           const std::string& text, Ticks timeout) {
     const auto plain = PlainNumber(number);
     if (!plain) return Fail(ExitCode::Usage, "not a number of at most 15 digits: " + number);
-    if (!Survives(*DisplayCodePage(settings.language, settings.systemCodePage, {}), text)) {
+    if (!Survives(
+            *CodePageOf(ReadLanguage(settings.registry, settings.language), settings.systemCodePage, {}),
+            text)) {
         return Fail(
             ExitCode::Usage,
             "a message holds 115 characters and 121 bytes of the unit's code page; this one does not fit");

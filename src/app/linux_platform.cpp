@@ -8,7 +8,6 @@
 
 #include "platform/linux/board_kovex_drv.h"
 #include "platform/linux/bus_kovex_drv.h"
-#include "platform/linux/iconv_code_page.h"
 #include "platform/linux/initial_registry.h"
 
 namespace varkel {
@@ -63,7 +62,7 @@ LinuxPlatform::LinuxPlatform(LinuxRuntime& runtime, MessageLoop& loop, const Uni
       m_files(settings.root, settings.assets, m_skin.directory),
       m_log(runtime, m_files),
       m_language(m_files, settings.language),
-      m_codePage(DisplayCodePage(m_language.GetLanguage(), settings.systemCodePage, onProblem)),
+      m_codePage(m_language, settings.systemCodePage, onProblem),
       m_registry(OpenRegistry(settings, m_skin, onProblem)),
       m_objects(runtime, settings.objectPrefix),
       m_bus(settings.bus, onProblem),
@@ -77,12 +76,12 @@ LinuxPlatform::LinuxPlatform(LinuxRuntime& runtime, MessageLoop& loop, const Uni
           }),
       m_processes(runtime, settings.programs),
       m_sound(runtime, m_files, onProblem),
-      m_speech(runtime, m_language, *m_codePage, onProblem) {}
+      m_speech(runtime, m_language, m_codePage, onProblem) {}
 
 Platform LinuxPlatform::Services(Notices& notices) {
     return {m_runtime, m_loop,   m_serial,   *m_registry, m_objects,   m_windows,
             *m_driver, m_dialUp, m_icmp,     m_files,     m_processes, m_sound,
-            m_speech,  notices,  m_language, *m_codePage, m_log};
+            m_speech,  notices,  m_language, m_codePage,  m_log};
 }
 
 }  // namespace varkel

@@ -7,6 +7,7 @@
 #include "platform/language.h"
 #include "platform/linux/bus.h"
 #include "platform/linux/bus_window_messages.h"
+#include "platform/linux/display_code_page.h"
 #include "platform/linux/espeak_speech.h"
 #include "platform/linux/icmp_socket.h"
 #include "platform/linux/linux_processes.h"
@@ -32,7 +33,7 @@ class LinuxPlatform {
 
     // Null when no registry could be opened, without which the program cannot run.
     Registry* GetRegistry() { return m_registry.get(); }
-    const Language& GetLanguage() const { return m_language; }
+    Language& GetLanguage() { return m_language; }
     Log& GetLog() { return m_log; }
     UnitFiles& GetFiles() { return m_files; }
     WindowMessages& GetWindows() { return m_windows; }
@@ -47,7 +48,7 @@ class LinuxPlatform {
     LinuxUnitFiles m_files;
     Log m_log;
     Language m_language;
-    std::unique_ptr<CodePage> m_codePage;
+    DisplayCodePage m_codePage;
     std::unique_ptr<SqliteRegistry> m_registry;
     ShmNamedObjects m_objects;
     Bus m_bus;

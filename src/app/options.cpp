@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/language.h"
 #include "platform/linux/unit_settings.h"
 
 namespace varkel {
@@ -23,7 +24,7 @@ std::optional<Options> ParseOptions(int argc, char** argv, int& exitCode) {
     app.add_option("--port", options.port, "the modem's tty, for example /dev/ttyUSB2");
     app.add_option("--assets", options.assets, "the directory of texts, pictures and sounds");
     app.add_option("--language", options.language, "of the screens")
-        ->check(CLI::IsMember(std::vector<std::string>(unitLanguages.begin(), unitLanguages.end())));
+        ->check(CLI::IsMember(std::vector<std::string>(languageNames.begin(), languageNames.end())));
     app.add_option("--palette", options.palette, "the colours of the screens: night, day or auto")
         ->check(CLI::IsMember({"night", "day", "auto"}));
     app.add_option("--log-level", logLevel, "0 (nothing) to 5 (everything)")->check(CLI::Range(0, 5));

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string>
 
+#include "session/settings.h"
+
 namespace varkel {
 
 namespace {
@@ -39,10 +41,17 @@ Unit::Unit(Run& run) : m_terminal(run.loop), m_settings(LoadSettings(run.options
         Report("unit file: " + error);
     m_services.emplace(run.runtime, run.loop, m_settings,
                        [this](std::string_view problem) { Report(problem); });
+    if (run.options.language.empty()) FollowChosenLanguage();
     if (run.options.debugOutput) {
         m_services->GetLog().SetDebugSink(
             [](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); });
     }
+}
+
+void Unit::FollowChosenLanguage() {
+    if (!Usable()) return;
+    const auto name = varkel::Settings(*m_services->GetRegistry()).ReadLanguage();
+    if (name && !m_services->GetLanguage().Change(*name)) Report("there are no texts in " + *name);
 }
 
 void Unit::Report(std::string_view problem) {

@@ -33,6 +33,9 @@ class Unit {
     void Report(std::string_view problem);
 
   private:
+    // The unit file says with which language a unit begins; later ones stand in the registry.
+    void FollowChosenLanguage();
+
     ConsoleTerminal m_terminal;
     const UnitSettings m_settings;
     std::optional<LinuxPlatform> m_services;

@@ -15,12 +15,19 @@ std::string WithLineFeeds(std::string text) {
 }  // namespace
 
 std::string LanguageSection::LoadString(std::string_view key) const {
-    return DispRightToLeft(WithLineFeeds(m_texts.Get(m_section, key, key)));
+    return DispRightToLeft(WithLineFeeds(m_texts->Get(m_section, key, key)));
 }
 
-Language::Language(UnitFiles& files, std::string_view name) : m_name(name) {
-    const std::string path = "\\ResidentFlash2\\bin\\Language\\" + m_name + ".txt";
-    if (const auto text = files.ReadWhole(path, largestLanguageFile)) m_texts = KeyFile::Parse(*text);
+Language::Language(UnitFiles& files, std::string_view name) : m_files(files) {
+    if (!Change(name)) m_current.Set({std::string(name), std::make_shared<KeyFile>()});
+}
+
+bool Language::Change(std::string_view name) {
+    const auto text = m_files.ReadWhole("\\ResidentFlash2\\bin\\Language\\" + std::string(name) + ".txt",
+                                        largestLanguageFile);
+    if (!text) return false;
+    m_current.Set({std::string(name), std::make_shared<KeyFile>(KeyFile::Parse(*text))});
+    return true;
 }
 
 std::string Language::Embedded(std::string_view text) const {

@@ -1,37 +1,52 @@
 // The head unit's language library: visible texts by key.
 #pragma once
 
+#include <array>
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include "platform/guarded.h"
 #include "platform/key_file.h"
 #include "platform/unit_files.h"
 
 namespace varkel {
 
-// A batch of look-ups in one section, from BeginLoadString to the end of the object's life.
+// The languages that there are texts for.
+inline constexpr std::array<std::string_view, 6> languageNames{"english", "chinese",  "tchinese",
+                                                               "russian", "portugal", "arabic"};
+
+// A batch of look-ups in one section, from BeginLoadString to the end of the object's life: all in the
+// language that was current when it began.
 class LanguageSection {
   public:
-    LanguageSection(const KeyFile& texts, std::string_view section) : m_texts(texts), m_section(section) {}
+    LanguageSection(std::shared_ptr<const KeyFile> texts, std::string_view section)
+        : m_texts(std::move(texts)), m_section(section) {}
     // The text in its display form; an unknown key is shown as it is, so that a missing text can be seen. An
     // unknown section has no texts.
     std::string LoadString(std::string_view key) const;
 
   private:
-    const KeyFile& m_texts;
+    std::shared_ptr<const KeyFile> m_texts;
     std::string m_section;
 };
 
-// The texts of one language, read once; "\n" in a text stands for a line feed. Any thread.
+// The current language and its texts; "\n" in a text stands for a line feed. Any thread.
 class Language {
   public:
-    // Reads "\ResidentFlash2\bin\Language\<name>.txt"; without that file every key stands for itself.
+    // As Change() does, but without the file every key stands for itself. `files` outlives the object.
     Language(UnitFiles& files, std::string_view name);
 
-    // "english", "chinese", "tchinese", "russian", "portugal" or "arabic".
-    const std::string& GetLanguage() const { return m_name; }
-    bool ReadsRightToLeft() const { return m_name == "arabic"; }
-    LanguageSection BeginLoadString(std::string_view section) const { return {m_texts, section}; }
+    // Makes `name` the current language and reads its texts, "\ResidentFlash2\bin\Language\<name>.txt". False
+    // when there is no such file; then everything stays as it is.
+    [[nodiscard]] bool Change(std::string_view name);
+
+    // One of `languageNames`.
+    std::string GetLanguage() const { return m_current.Get().name; }
+    bool ReadsRightToLeft() const { return GetLanguage() == "arabic"; }
+    LanguageSection BeginLoadString(std::string_view section) const {
+        return {m_current.Get().texts, section};
+    }
     // One text of the section "GPRS", where nearly all stand.
     std::string LoadString(std::string_view key) const { return BeginLoadString("GPRS").LoadString(key); }
 
@@ -39,8 +54,13 @@ class Language {
     std::string Embedded(std::string_view text) const;
 
   private:
-    std::string m_name;
-    KeyFile m_texts;
+    struct Current {
+        std::string name;
+        std::shared_ptr<const KeyFile> texts;
+    };
+
+    UnitFiles& m_files;
+    Guarded<Current> m_current;
 };
 
 // The display form of a text. The text renderer orders right-to-left scripts itself, so it is the text.

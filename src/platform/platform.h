@@ -37,7 +37,7 @@ struct Platform {
     Sound& sound;
     SpeechEngine& speech;
     Notices& notices;
-    const Language& language;
+    Language& language;
     const CodePage& codePage;
     Log& log;
 };

@@ -1,10 +1,12 @@
 #include "session/settings.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <span>
 #include <utility>
 
+#include "platform/language.h"
 #include "platform/text.h"
 #include "session/registry_values.h"
 
@@ -22,6 +24,7 @@ constexpr std::array<Default, 3> configDefaults{
     {{"g_bTTSOpen", 1}, {"m_openwififlag", 0}, {"StoreSize", 1024}}};
 constexpr std::array<Default, 2> networkDefaults{{{"Account", 0}, {"NetworkMode", 2}}};
 
+constexpr std::string_view configKey = "Device\\CONFIG";
 constexpr std::size_t phoneNumberBytes = 520;
 
 std::unique_ptr<RegistryKey> OpenKey(Registry& registry, std::string_view key) {
@@ -51,7 +54,16 @@ constexpr std::string_view RingName(RingKind kind) {
 }  // namespace
 
 std::uint32_t Settings::ReadConfig(std::string_view name) {
-    return ReadOrCreate(m_registry, "Device\\CONFIG", name, configDefaults);
+    return ReadOrCreate(m_registry, configKey, name, configDefaults);
+}
+
+std::optional<std::string> Settings::ReadLanguage() {
+    constexpr std::size_t longest = 32;  // bytes
+    const auto key = OpenKey(m_registry, configKey);
+    const auto name = key ? QueryText(*key, "Language", longest) : std::nullopt;
+    const bool known =
+        name && std::find(languageNames.begin(), languageNames.end(), *name) != languageNames.end();
+    return known ? name : std::nullopt;
 }
 
 std::uint32_t Settings::ReadDword(std::string_view key, std::string_view name) {

@@ -43,6 +43,10 @@ class Settings {
     // and 1024 when they are missing; any other missing name reads 0.
     std::uint32_t ReadConfig(std::string_view name);
 
+    // "Device\CONFIG" / "Language": one of `languageNames`, which another program has chosen; nothing when it
+    // is missing or none of them.
+    std::optional<std::string> ReadLanguage();
+
     // "GPRS\NetworkMode" and its like: a missing "Account" is created with 0, a missing "NetworkMode" with 2.
     std::uint32_t ReadDword(std::string_view key, std::string_view name);
     // On the disk when it returns true.

@@ -78,6 +78,9 @@ void UnitMessages::OnQxCall(const WindowMessage& message) {
 }
 
 void UnitMessages::OnLanguageChange(const WindowMessage&) {
+    Language& language = m_session.platform.language;
+    const std::string name = m_session.settings.ReadLanguage().value_or(language.GetLanguage());
+    if (!language.Change(name)) m_session.platform.log.Trace("[unit]--no texts in %s", name.c_str());
     m_session.screens.ReloadTexts();
 }
 

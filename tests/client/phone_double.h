@@ -22,7 +22,7 @@ class PhoneDouble {
                 const std::string& prefix, std::string_view title = "3Gwindow")
         : m_objects(runtime, prefix), m_data(m_objects, log), m_bus(bus, {}), m_windows(m_bus, loop, {}) {
         for (const char* const name : {"3Gwindow_SHOW", "3Gwindow_HIDE", "3Gwindow_QUIT", "Network_interface",
-                                       "UM_QX_CALL", "UM_CALLIN"})
+                                       "UM_QX_CALL", "UM_CALLIN", "LANGUAGE_CHANGE"})
             m_names.emplace_back(m_windows.RegisterWindowMessage(name), name);
         m_window =
             m_windows.CreateWindow(title, {[this](const WindowMessage& message) { OnMessage(message); },

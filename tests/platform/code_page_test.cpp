@@ -5,9 +5,11 @@
 #include <iconv.h>
 #include <random>
 
+#include "platform/linux/display_code_page.h"
 #include "platform/linux/iconv_code_page.h"
 #include "platform/text.h"
 #include "tests/support/code_pages.h"
+#include "tests/support/memory_files.h"
 
 namespace varkel {
 namespace {
@@ -164,11 +166,17 @@ TEST(CodePageTest, RefusesPagesThatCannotHoldItsTexts) {
         EXPECT_EQ(IconvCodePage::Create(name), nullptr) << name;
 }
 
-TEST(CodePageTest, IsChosenByTheLanguage) {
+TEST(CodePageTest, IsThatOfTheCurrentLanguage) {
+    test::MemoryFiles files;
+    for (const std::string_view name : languageNames)
+        files.WriteWhole("\\ResidentFlash2\\bin\\Language\\" + std::string(name) + ".txt", "");
     std::string problem;
-    const auto sink = [&problem](std::string_view text) { problem = text; };
-    const auto first = [&sink](std::string_view language, const char* system) {
-        return Wide(*DisplayCodePage(language, system, sink), "\xD0\xC7");
+    Language language(files, "english");
+    const auto first = [&](std::string_view name, const char* system) {
+        const DisplayCodePage page(language, system, [&problem](std::string_view text) { problem = text; });
+        Wide(page, "\xD0\xC7");
+        EXPECT_TRUE(language.Change(name));
+        return Wide(page, "\xD0\xC7");
     };
     EXPECT_EQ(first("russian", "GB18030"), u"РЗ");
     EXPECT_EQ(first("portugal", "GB18030"), u"ÐÇ");

@@ -88,7 +88,7 @@ TEST_F(SpeechTest, PreparesPackagesOnTheCardAndSpeaksNothing) {
 
 TEST_F(SpeechTest, LetsTheAudioWaitForTheRedialCaption) {
     bench.files.WriteWhole("\\ResidentFlash2\\bin\\Language\\chinese.txt", "[GPRS]\nIDS_REDIALMODE = 重拨\n");
-    bench.language = Language(bench.files, "chinese");
+    ASSERT_TRUE(bench.language.Change("chinese"));
     PutPackages(flash);
     bench.Start("");
     bench.speech.TakeCalls();

@@ -32,11 +32,28 @@ TEST(UnitMessagesTest, HideAndShowTheWindow) {
     EXPECT_FALSE(bench.dialog->State().g_bTTSOpen);
     bench.RunFor(10'000);
     EXPECT_EQ(bench.unit.Count("AT+CSQ"), 2) << "the poll goes on";
-    Post(bench, "LANGUAGE_CHANGE");
-    EXPECT_EQ(bench.screens.Count("texts"), 1);
     Post(bench, "3Gwindow_QUIT");
     bench.loop.Run([] { return false; });
     EXPECT_EQ(bench.unit.Count("Set3GPower 0"), 1);
+}
+
+TEST(UnitMessagesTest, ChangeTheLanguage) {
+    OpenBench bench;
+    const auto change = [&bench](const char16_t* language) {
+        bool created = false;
+        bench.registry.RegCreateKeyEx("Device\\CONFIG", created)
+            ->RegSetValueEx("Language", TextValue(language, 32));
+        Post(bench, "LANGUAGE_CHANGE");
+        return bench.language.LoadString("IDS_RING");
+    };
+    bench.files.WriteWhole("\\ResidentFlash2\\bin\\Language\\russian.txt", "[GPRS]\nIDS_RING = звонит\n");
+    EXPECT_EQ(change(u"russian"), "звонит");
+    EXPECT_EQ(bench.screens.Count("texts"), 1);
+    EXPECT_EQ(change(u"klingon"), "звонит") << "no language";
+    EXPECT_EQ(change(u"portugal"), "звонит") << "no texts";
+    EXPECT_EQ(bench.language.GetLanguage(), "russian");
+    bench.files.WriteWhole("\\ResidentFlash2\\bin\\Language\\russian.txt", "[GPRS]\nIDS_RING = вызов\n");
+    EXPECT_EQ(change(u"russian"), "вызов") << "the texts have changed, not the language";
 }
 
 TEST(UnitMessagesTest, OpenAndCloseTheModule) {

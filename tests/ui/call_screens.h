@@ -25,7 +25,9 @@ struct CallScreens : SessionBench {
           desktop({loop, display, windows, unitFiles, registry, language}) {
         LoadInitialRegistry(registry, FileContent(VARKEL_ASSETS "/skin-" + skin + "/registry.txt"));
         Settings(registry).WriteDword(Settings::dialogTypeKey, "Gprs", 0);
-        language = Language(unitFiles, languageName);
+        const std::string texts = "\\ResidentFlash2\\bin\\Language\\" + languageName + ".txt";
+        files.WriteWhole(texts, *unitFiles.ReadWhole(texts, 256 * 1024));
+        EXPECT_TRUE(language.Change(languageName));
         dialog = std::make_unique<CVarkelDlg>(platform, shown);
         context.emplace(ScreenContext{desktop, *dialog, platform});
         shown.Start(*context, {});

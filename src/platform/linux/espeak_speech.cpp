@@ -55,16 +55,14 @@ FileDescriptor PipeWith(std::string_view text) {
 // Takes orders from any thread and carries them out on its own.
 class EspeakSpeech::Speaker {
   public:
-    Speaker(std::string voice, ProblemSink onProblem, std::chrono::milliseconds longest)
-        : m_command{program, "-v", std::move(voice), "-b", "1", "--stdin"},
-          m_onProblem(std::move(onProblem)),
-          m_longest(longest) {}
+    Speaker(ProblemSink onProblem, std::chrono::milliseconds longest)
+        : m_onProblem(std::move(onProblem)), m_longest(longest) {}
 
     // An empty text is silence.
-    void Order(std::string text) {
+    void Order(std::string text, const char* voice = "") {
         {
             std::lock_guard lock(m_mutex);
-            m_order = std::move(text);
+            m_order = Text{std::move(text), voice};
         }
         m_ordered.Signal();
     }
@@ -81,7 +79,7 @@ class EspeakSpeech::Speaker {
         for (;;) {
             Await();
             m_ordered.Clear();
-            std::optional<std::string> order;
+            std::optional<Text> order;
             {
                 std::lock_guard lock(m_mutex);
                 if (m_ending) break;
@@ -89,7 +87,7 @@ class EspeakSpeech::Speaker {
             }
             if (order) {
                 Silence();
-                if (!order->empty()) Speak(*order);
+                if (!order->words.empty()) Speak(*order);
             } else {
                 LookAtChild();
             }
@@ -98,6 +96,11 @@ class EspeakSpeech::Speaker {
     }
 
   private:
+    struct Text {
+        std::string words;
+        const char* voice;
+    };
+
     // Sleeps until there is an order, or the program has ended or takes too long.
     void Await() {
         std::array<pollfd, 2> ready{{{m_ordered.Get(), POLLIN, 0}, {-1, POLLIN, 0}}};
@@ -111,12 +114,13 @@ class EspeakSpeech::Speaker {
         Poll(ready, timeout);
     }
 
-    void Speak(const std::string& text) {
-        const FileDescriptor input = PipeWith(text);
+    void Speak(const Text& text) {
+        const std::vector<std::string> command{program, "-v", text.voice, "-b", "1", "--stdin"};
+        const FileDescriptor input = PipeWith(text.words);
         const FileDescriptor nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC));
         // What an audio library has to complain about is nothing for the program's own terminal.
         if (input && nowhere) {
-            auto child = ChildProcess::Start(m_command, {input.Get(), nowhere.Get(), nowhere.Get()});
+            auto child = ChildProcess::Start(command, {input.Get(), nowhere.Get(), nowhere.Get()});
             if (child) m_child.emplace(std::move(*child));
         }
         if (!m_child) return Failed(std::string(program) + " cannot be started");
@@ -149,11 +153,10 @@ class EspeakSpeech::Speaker {
         if (!std::exchange(m_reported, true)) Report(m_onProblem, "no speech: " + why);
     }
 
-    const std::vector<std::string> m_command;
     const ProblemSink m_onProblem;
     const std::chrono::milliseconds m_longest;
     std::mutex m_mutex;
-    std::optional<std::string> m_order;  // under the mutex, as the next one
+    std::optional<Text> m_order;  // under the mutex, as the next one
     bool m_ending = false;
     WakeUp m_ordered;
 
@@ -165,8 +168,9 @@ class EspeakSpeech::Speaker {
 
 EspeakSpeech::EspeakSpeech(Runtime& runtime, const Language& language, const CodePage& page,
                            ProblemSink onProblem, std::chrono::milliseconds longest)
-    : m_page(page),
-      m_speaker(std::make_unique<Speaker>(VoiceOf(language.GetLanguage()), std::move(onProblem), longest)),
+    : m_language(language),
+      m_page(page),
+      m_speaker(std::make_unique<Speaker>(std::move(onProblem), longest)),
       m_thread(runtime.CreateThread({.name = "speech"}, [this] { m_speaker->Run(); })) {}
 
 EspeakSpeech::~EspeakSpeech() {
@@ -181,7 +185,7 @@ int EspeakSpeech::jceInit(std::string_view, std::string_view) {
 void EspeakSpeech::jceSetParam(int, int) {}
 
 void EspeakSpeech::jcePlay(std::string_view narrow, WindowHandle) {
-    m_speaker->Order(OnlyWords(Utf8FromNarrow(m_page, narrow)));
+    m_speaker->Order(OnlyWords(Utf8FromNarrow(m_page, narrow)), VoiceOf(m_language.GetLanguage()));
 }
 
 void EspeakSpeech::jceStop() {

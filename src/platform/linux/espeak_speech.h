@@ -14,7 +14,7 @@
 namespace varkel {
 
 // A thread of its own starts the program for each text, hands the text over on its standard input, and
-// collects the program; while nothing is spoken it sleeps. The voice is that of the display language, so that
+// collects the program; while nothing is spoken it sleeps. The voice is that of the current language, so that
 // packages and parameters are of no importance. Without the program, or when it fails, there is silence,
 // which is reported once and tried again with the next text.
 class EspeakSpeech final : public SpeechEngine {
@@ -37,6 +37,7 @@ class EspeakSpeech final : public SpeechEngine {
   private:
     class Speaker;
 
+    const Language& m_language;
     const CodePage& m_page;
     const std::unique_ptr<Speaker> m_speaker;
     const std::shared_ptr<Thread> m_thread;

@@ -265,19 +265,4 @@ std::size_t IconvCodePage::CharNext(std::string_view narrow) const {
     return narrow.empty() ? 0 : First(narrow).bytes;
 }
 
-std::unique_ptr<CodePage> DisplayCodePage(std::string_view language, const std::string& systemCodePage,
-                                          const ProblemSink& onProblem) {
-    struct Own {
-        std::string_view language;
-        const char* page;
-    };
-    static constexpr Own owns[] = {{"russian", "CP1251"}, {"portugal", "CP1252"}, {"arabic", "CP1256"}};
-    const auto* const own = std::find_if(std::begin(owns), std::end(owns),
-                                         [language](const Own& entry) { return entry.language == language; });
-    const std::string name = own == std::end(owns) ? systemCodePage : own->page;
-    if (auto page = IconvCodePage::Create(name)) return page;
-    Report(onProblem, "there is no code page " + name + "; texts are kept in ASCII");
-    return IconvCodePage::Create("ASCII");
-}
-
 }  // namespace varkel

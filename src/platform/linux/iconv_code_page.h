@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "platform/code_page.h"
-#include "platform/linux/problem_sink.h"
 
 namespace varkel {
 
@@ -58,10 +57,5 @@ class IconvCodePage : public CodePage {
     std::bitset<0x10000> m_hasFour;        // by unit: its code has four bytes
     std::vector<FarCharacter> m_far;
 };
-
-// The page in which texts are kept and shown: of "russian", "portugal" and "arabic" their own, of any other
-// language the one of the system. A page that cannot be had is reported, and ASCII stands in for it.
-std::unique_ptr<CodePage> DisplayCodePage(std::string_view language, const std::string& systemCodePage,
-                                          const ProblemSink& onProblem);
 
 }  // namespace varkel

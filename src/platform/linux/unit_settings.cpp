@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "platform/key_file.h"
+#include "platform/language.h"
 #include "platform/linux/child_process.h"
 #include "platform/linux/device_path.h"
 #include "platform/linux/file_descriptor.h"
@@ -51,8 +52,8 @@ bool SetPalette(UnitSettings& settings, const std::string& value, const std::str
 }
 
 bool SetLanguage(UnitSettings& settings, const std::string& value, const std::string&) {
-    const auto* const known = std::find(unitLanguages.begin(), unitLanguages.end(), LowerAscii(value));
-    if (known == unitLanguages.end()) return false;
+    const auto* const known = std::find(languageNames.begin(), languageNames.end(), LowerAscii(value));
+    if (known == languageNames.end()) return false;
     settings.language = *known;
     return true;
 }

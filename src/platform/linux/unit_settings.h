@@ -69,10 +69,6 @@ struct UnitSettings {
     std::string TtyOf(std::string_view deviceName) const;
 };
 
-// The languages that there are texts for.
-inline constexpr std::array<std::string_view, 6> unitLanguages{"english", "chinese",  "tchinese",
-                                                               "russian", "portugal", "arabic"};
-
 // What holds without a unit file: the unit lies in the user's data directory (XDG_DATA_HOME/varkel), the
 // modem is /dev/ttyUSB2, the driver is the board with nothing said.
 UnitSettings DefaultUnitSettings();
