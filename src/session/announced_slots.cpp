@@ -1,6 +1,7 @@
 #include "session/announced_slots.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace varkel {
 
@@ -15,6 +16,7 @@ void AnnouncedSlots::Queue(SimSlot slot) {
 void AnnouncedSlots::Announce(SimSlot slot) {
     std::lock_guard lock(m_mutex);
     m_last = slot;
+    if (!m_highest || slot.Number() > m_highest->Number()) m_highest = slot;
     At(slot).held = true;
     At(slot).attempts = 0;
     Queue(slot);
@@ -74,9 +76,10 @@ void AnnouncedSlots::GiveUp(SimSlot slot) {
     if (!At(slot).queued) At(slot).givenUp = true;
 }
 
-std::optional<SimSlot> AnnouncedSlots::Last() const {
+std::optional<SimSlot> AnnouncedSlots::TakeHighest() {
     std::lock_guard lock(m_mutex);
-    return m_last;
+    const auto highest = std::exchange(m_highest, std::nullopt);
+    return highest ? highest : m_last;
 }
 
 bool AnnouncedSlots::Holds(SimSlot slot) const {

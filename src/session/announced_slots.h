@@ -29,8 +29,8 @@ class AnnouncedSlots {
     bool Failed(SimSlot slot);
     // Waits for the next announcement at once.
     void GiveUp(SimSlot slot);
-    // The last slot that was announced; it is never forgotten.
-    std::optional<SimSlot> Last() const;
+    // The highest slot that was announced since this was asked last; when none was, the last one ever.
+    std::optional<SimSlot> TakeHighest();
 
     // A message in it was announced and is not kept: it must not be deleted.
     bool Holds(SimSlot slot) const;
@@ -59,6 +59,7 @@ class AnnouncedSlots {
     std::array<State, SimSlot::largest + 1> m_slots{};
     std::deque<SimSlot> m_queue;
     std::optional<SimSlot> m_last;
+    std::optional<SimSlot> m_highest;  // since it was asked for
 };
 
 }  // namespace varkel

@@ -66,7 +66,10 @@ bool MessageReceiving::ReadNext() {
     const auto slot = m_slots.TakeNext();
     if (!slot) return false;
     switch (Read(*slot, Which::Any)) {
-        case Reading::Kept: m_slots.Done(*slot); break;
+        case Reading::Kept:
+            m_slots.Done(*slot);
+            if (NearlyFull()) StartCleaning();
+            break;
         case Reading::NotKept: m_slots.GiveUp(*slot); break;
         case Reading::Empty:
         case Reading::NoAnswer:
@@ -185,7 +188,7 @@ MessageReceiving::Reading MessageReceiving::Keep(SimSlot slot, std::string_view 
     const bool known = m_announcedUnkept[index];
     if (!known) {
         ++m_session.state.m_nNewMessages;
-        ++m_toAnnounce;
+        m_toAnnounce = std::min(m_toAnnounce + 1, mostAnnouncements);
     }
     const StoreResult result = m_inbox.Append(record);
     if (result == StoreResult::VolumeFull) m_session.screens.Warn(WarnCode::NandFull);
@@ -194,32 +197,24 @@ MessageReceiving::Reading MessageReceiving::Keep(SimSlot slot, std::string_view 
     return result == StoreResult::Done ? Reading::Kept : Reading::NotKept;
 }
 
-bool MessageReceiving::Due() const {
-    return TicksSince(m_session.platform.runtime.GetTickCount(), m_scheduled) >= m_pause;
-}
-
-void MessageReceiving::Schedule(Ticks pause) {
-    m_scheduled = m_session.platform.runtime.GetTickCount();
-    m_pause = pause;
-}
-
 bool MessageReceiving::AnnounceNext() {
     // A call that began meanwhile comes first.
     if (m_calls.Busy()) return false;
+    Runtime& runtime = m_session.platform.runtime;
     if (m_step == Step::Idle) {
         if (m_toAnnounce == 0) return false;
         --m_toAnnounce;
         if (m_session.state.m_externalClient && m_received) m_received->Set();
         Broadcast(m_session.platform, "UM_CALLIN", 1, 1);
-        Schedule(beforeSound);
+        m_announcePause.Start(runtime, beforeSound);
         m_step = Step::Called;
         return true;
     }
-    if (!Due()) return false;
+    if (!m_announcePause.Over(runtime)) return false;
     if (m_step == Step::Called) {
         m_session.platform.sound.PlaySound(
             RingSound(RingKind::Message, m_session.settings.ReadRing(RingKind::Message)));
-        Schedule(afterSound);
+        m_announcePause.Start(runtime, afterSound);
         m_step = Step::Played;
         return true;
     }
@@ -236,25 +231,28 @@ void MessageReceiving::FinishAnnouncement() {
 }
 
 void MessageReceiving::StartCleaning() {
+    const auto highest = m_slots.TakeHighest();
+    const int end = highest ? highest->Number() : 0;
+    m_cleanEnd = m_cleaning ? std::max(m_cleanEnd, end) : end;
+    m_cleanAgain = m_cleaning && m_cleanNext > 0;
     m_cleaning = true;
-    m_cleanNext = 0;
-    Schedule(0);
 }
 
 bool MessageReceiving::CleanNext() {
-    if (!m_cleaning || m_step != Step::Idle || m_toAnnounce > 0 || !Due()) return false;
-    // The announced slot itself stays.
-    const auto last = m_slots.Last();
-    if (!last || m_cleanNext >= last->Number() || !ModuleReady(m_session)) {
-        m_cleaning = false;
-        return false;
+    Runtime& runtime = m_session.platform.runtime;
+    const bool announcing = m_step != Step::Idle || m_toAnnounce > 0;
+    if (!m_cleaning || (announcing && !NearlyFull()) || !m_cleanPause.Over(runtime)) return false;
+    if (m_cleanNext >= m_cleanEnd || !ModuleReady(m_session)) {
+        m_cleanNext = 0;
+        m_cleaning = std::exchange(m_cleanAgain, false) && ModuleReady(m_session);
+        return m_cleaning;
     }
     const auto slot = SimSlot::From(m_cleanNext);
     if (slot && !m_slots.Holds(*slot)) {
         if (!m_turn.TryQuietly([&] { m_session.at.cmd_deletems(*slot); })) return false;
         if (m_slots.Knows(*slot)) --m_simUsed;
         m_slots.Deleted(*slot);
-        Schedule(deletePause);
+        m_cleanPause.Start(runtime, deletePause);
     }
     ++m_cleanNext;
     return true;

@@ -21,7 +21,8 @@ namespace varkel {
 
 // The timed steps run on the worker, in turns: every read first, because only a message that is kept is safe;
 // then a look for messages that nobody has announced; then the announcements, one message after the other;
-// then the clean-up, once for all of them.
+// then the clean-up, once for all of them. While the SIM is nearly full, the clean-up does not wait for the
+// announcements: the network would keep what has no room.
 class MessageReceiving {
   public:
     MessageReceiving(Session& session, CommandTurn& turn, CallControl& calls, MessageBox& inbox,
@@ -49,11 +50,22 @@ class MessageReceiving {
     // A step is waiting for its time.
     bool Waiting() const { return m_toAnnounce > 0 || m_step != Step::Idle || m_cleaning; }
 
+    // Announcements that wait; what arrives beyond that is kept and counted without one of its own.
+    static constexpr int mostAnnouncements = 20;
+
   private:
     // Of the announcement that is under way.
     enum class Step { Idle, Called, Played };
     enum class Reading { Kept, NotKept, Undecodable, Empty, NoAnswer };
     enum class Which { Any, Unread };
+    // When a step was put off, and for how long.
+    struct PauseBefore {
+        Ticks start = 0;
+        Ticks length = 0;
+
+        void Start(Runtime& runtime, Ticks pause) { *this = {runtime.GetTickCount(), pause}; }
+        bool Over(Runtime& runtime) const { return TicksSince(runtime.GetTickCount(), start) >= length; }
+    };
 
     // Of other messages than `which` nothing is kept; they count as kept.
     Reading Read(SimSlot slot, Which which);
@@ -61,10 +73,9 @@ class MessageReceiving {
     Reading Keep(SimSlot slot, std::string_view answer);
     template <class Send>
     bool Quietly(Send send, Ticks pause);
-    bool Due() const;
-    void Schedule(Ticks pause);
     void FinishAnnouncement();
     void StartCleaning();
+    bool NearlyFull() const { return m_simTotal > 0 && m_simUsed * 4 >= m_simTotal * 3; }
 
     Session& m_session;
     CommandTurn& m_turn;
@@ -86,10 +97,12 @@ class MessageReceiving {
     int m_lookNext = 0;
     int m_toAnnounce = 0;
     Step m_step = Step::Idle;
+    PauseBefore m_announcePause;
     bool m_cleaning = false;
+    bool m_cleanAgain = false;  // from the first slot, when this clean-up is over
     int m_cleanNext = 0;
-    Ticks m_scheduled = 0;  // when the next step of announcement or clean-up was put off, and for how long
-    Ticks m_pause = 0;
+    int m_cleanEnd = 0;  // the slot that stays
+    PauseBefore m_cleanPause;
 };
 
 }  // namespace varkel

@@ -1,4 +1,6 @@
 // From the announcement of a message to the record, the news and the tidy SIM.
+#include <algorithm>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
@@ -170,6 +172,30 @@ TEST(ReceivingManySeeds, KeepsEveryMessageOfABurst) {
         EXPECT_EQ(bench.windows.CountPosted("UM_CALLHOOKED 1 1"), 20);
         EXPECT_THAT(bench.unit.Command("messages"), HasSubstr("20"));
     }
+}
+
+// VARKEL_MESSAGES in the environment, for longer runs. The inbox keeps the newest 150 of them.
+TEST(ReceivingForLong, KeepsEveryMessageOfOneASecond) {
+    const char* const wanted = std::getenv("VARKEL_MESSAGES");
+    const int messages = wanted ? std::atoi(wanted) : 200;
+    OpenBench bench;
+    std::vector<std::string> kept;
+    const auto look = [&] {
+        for (const SmsRecord& record : bench.Inbox()) {
+            const std::string text(record.szContent.View());
+            if (std::find(kept.rbegin(), kept.rend(), text) == kept.rend()) kept.push_back(text);
+        }
+    };
+    for (int number = 1; number <= messages; ++number) {
+        bench.unit.Command("sms 10010 " + std::to_string(number));
+        bench.RunFor(1000);
+        if (number % 60 == 0) look();
+    }
+    bench.RunFor(60'000);
+    look();
+    ASSERT_EQ(kept.size(), static_cast<std::size_t>(messages)) << bench.unit.Command("messages");
+    for (int number = 1; number <= messages; ++number)
+        EXPECT_EQ(kept[static_cast<std::size_t>(number - 1)], std::to_string(number));
 }
 
 }  // namespace
