@@ -60,7 +60,7 @@ class MessageCentre {
     static constexpr std::string_view answeringNumber = "10086";
     static constexpr Millis answerTime = 3000;
     static constexpr Millis gap = 40;  // from one delivery to the next: 25 in a second
-    static constexpr std::size_t mostWaiting = 100;
+    static constexpr std::size_t mostWaiting = 400;
     static constexpr std::size_t mostSent = 100;
     static constexpr std::size_t longestShown = 400;  // bytes of a text on a line
 
