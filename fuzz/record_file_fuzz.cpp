@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     FuzzInput input(bytes, size);
     bench.files.WriteWhole(path, Repeated(input.Piece(), input.Byte()));
     MessageBox::List shown = bench.box.FindSmsRecord();
-    for (int change = 0; change < 12 && !input.Empty(); ++change) {
+    for (int change = 0; change < 5 && !input.Empty(); ++change) {
         const std::string before = bench.files.Content(path);
         std::string expected = WholeRecords(before);
         assert(BytesOf(bench.box.FindSmsRecord()) == expected);

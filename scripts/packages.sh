@@ -3,6 +3,8 @@
 packages_build="g++ cmake ninja-build pkg-config libcairo2-dev libpango1.0-dev librsvg2-dev libsdl2-dev libsqlite3-dev libsystemd-dev libcli11-dev libgtest-dev libgmock-dev"
 packages_run="dbus-daemon fontconfig fonts-dejavu-core fonts-droid-fallback"
 packages_check="$packages_run libbenchmark-dev appstream desktop-file-utils util-linux xdotool xvfb"
+# For scripts/long-proofs.sh alone.
+packages_fuzz="clang libclang-rt-14-dev"
 # For scripts/check-package.sh alone.
 packages_package="debootstrap dpkg-dev file util-linux"
 
