@@ -104,7 +104,7 @@ void DrawBarButton(Painter& painter, const Palette& colors, const Picture& pictu
     }
     painter.Fill({0, picture.size.height - 1, picture.size.width, 1}, colors.line);
     painter.RoundRect(Whole(picture).Inset(3), 9, look.face);
-    painter.Icon(picture.detail.icon, Centred(Whole(picture), 34), look.icon);
+    if (HasIcon(picture)) painter.Icon(picture.detail.icon, Centred(Whole(picture), 34), look.icon);
 }
 
 void DrawTab(Painter& painter, const Palette& colors, const Picture& picture, State state) {

@@ -79,7 +79,7 @@ constexpr Picture pictures[] = {
      barWide,
      DrawBarButton,
      {.icon = "hangup", .tone = Tone::HangUp, .ground = onBar}},
-    {"Other/CancelStart", Files::Two, barWide, DrawBarButton, {.icon = "close", .ground = onBar}},
+    {"Other/CancelStart", Files::Two, barWide, DrawBarButton, {.ground = onBar}},
 
     // Call records and messages
     {"Other/MessageCallrecordInterface", Files::One, screen, DrawListScreen},

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "ui/fonts.h"
+
 namespace varkel {
 
 namespace {
@@ -39,9 +41,23 @@ std::vector<TouchTarget> CancelButton::Targets() const {
 
 void CancelButton::OnPaint(Canvas& canvas) {
     canvas.FillRect(place, GetDesktop().Colors().bar);
-    const std::string name = m_offer == CancelOffer::DialledCall ? "CancelCall" : "CancelStart";
+    const bool call = m_offer == CancelOffer::DialledCall;
+    const std::string name = call ? "CancelCall" : "CancelStart";
     if (const Bitmap* const picture = LoadPicture(m_pressed ? name + "Sel" : name))
         canvas.StretchBlt(*picture, place);
+    // A cross would look like the exit beside it.
+    if (!call) DrawCaption(canvas);
+}
+
+void CancelButton::DrawCaption(Canvas& canvas) const {
+    constexpr Rect box = place.Inset(10);
+    const Palette& colors = GetDesktop().Colors();
+    const std::string text = LoadText("IDS_CANCEL");
+    const LogFont font =
+        FittingFont(GetDesktop().GetGraphics(), text, StyleOf(TextRole::Button, Colors()).font,
+                    {box.width, box.height}, false);
+    canvas.DrawText(text, box, TextFormat::Center | TextFormat::VCenter | TextFormat::SingleLine, font,
+                    m_pressed ? colors.pressedText : colors.text);
 }
 
 void CancelButton::OnTouchCancel() {

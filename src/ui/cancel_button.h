@@ -23,6 +23,7 @@ class CancelButton final : public Dialog {
     void OnPaint(Canvas& canvas) override;
     void OnTouch(const TouchEvent& event) override;
     void OnTouchCancel() override;
+    void DrawCaption(Canvas& canvas) const;
 
     const std::function<void(CancelOffer)> m_onCancel;
     CancelOffer m_offer = CancelOffer::None;
