@@ -29,7 +29,7 @@ constexpr KeyboardKey latin3[] = {
     {"m"},
     {" ", Action::Type, 2},
     {"", Action::Symbols},
-    {"", Action::Cyrillic},
+    {"", Action::National},
 };
 
 constexpr KeyboardKey cyrillic1[] = {
@@ -43,6 +43,27 @@ constexpr KeyboardKey cyrillic3[] = {
     {"", Action::Symbols},
 };
 
+constexpr KeyboardKey arabic1[] = {
+    {"ض"}, {"ص"}, {"ث"}, {"ق"}, {"ف"}, {"غ"}, {"ع"}, {"ه"}, {"خ"}, {"ح"}, {"ج"}, {"", Action::Back},
+};
+constexpr KeyboardKey arabic2[] = {
+    {"ش"}, {"س"}, {"يئ"}, {"ب"}, {"ل"}, {"اأإآء"}, {"ت"}, {"ن"}, {"م"}, {"ك"}, {"ط"}, {"", Action::Done},
+};
+constexpr KeyboardKey arabic3[] = {
+    {"ذ"},
+    {"د"},
+    {"ر"},
+    {"ز"},
+    {"وؤ"},
+    {"ظ"},
+    {"ة"},
+    {"ى"},
+    {".،؟"},
+    {" "},
+    {"", Action::Symbols},
+    {"", Action::Latin},
+};
+
 constexpr KeyboardKey symbols1[] = {
     {"1"}, {"2"}, {"3"}, {"4"}, {"5"}, {"6"}, {"7"}, {"8"}, {"9"}, {"0"}, {"@"}, {"", Action::Back},
 };
@@ -52,7 +73,7 @@ constexpr KeyboardKey symbols2[] = {
 };
 constexpr KeyboardKey symbols3[] = {
     {"", Action::Latin},       {"!¡"}, {"?¿"}, {"'`"}, {"\"«»"}, {"$€£¥"}, {" ", Action::Type, 4},
-    {"", Action::Cyrillic, 2},
+    {"", Action::National, 2},
 };
 
 template <std::size_t Count>
@@ -63,6 +84,7 @@ constexpr bool FillsTheRow(const KeyboardKey (&row)[Count]) {
 }
 static_assert(FillsTheRow(latin1) && FillsTheRow(latin2) && FillsTheRow(latin3));
 static_assert(FillsTheRow(cyrillic1) && FillsTheRow(cyrillic2) && FillsTheRow(cyrillic3));
+static_assert(FillsTheRow(arabic1) && FillsTheRow(arabic2) && FillsTheRow(arabic3));
 static_assert(FillsTheRow(symbols1) && FillsTheRow(symbols2) && FillsTheRow(symbols3));
 
 }  // namespace
@@ -71,9 +93,19 @@ std::array<std::span<const KeyboardKey>, keyboardRows> RowsOf(KeyboardPage page)
     switch (page) {
         case KeyboardPage::Latin: return {latin1, latin2, latin3};
         case KeyboardPage::Cyrillic: return {cyrillic1, cyrillic2, cyrillic3};
+        case KeyboardPage::Arabic: return {arabic1, arabic2, arabic3};
         case KeyboardPage::Symbols: return {symbols1, symbols2, symbols3};
     }
     return {};
+}
+
+KeyboardPage NationalPage(std::string_view language) {
+    return language == "arabic" ? KeyboardPage::Arabic : KeyboardPage::Cyrillic;
+}
+
+KeyboardPage FirstPage(std::string_view language) {
+    const bool national = language == "arabic" || language == "russian";
+    return national ? NationalPage(language) : KeyboardPage::Latin;
 }
 
 std::string_view ChoiceOf(const KeyboardKey& key, int step) {

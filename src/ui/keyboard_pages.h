@@ -8,7 +8,7 @@
 
 namespace varkel {
 
-enum class KeyAction { Type, Shift, Back, Done, Latin, Cyrillic, Symbols };
+enum class KeyAction { Type, Shift, Back, Done, Latin, National, Symbols };
 
 struct KeyboardKey {
     // UTF-8 characters: the one that the key types, and those that follow one another while it is held.
@@ -17,12 +17,18 @@ struct KeyboardKey {
     int columns = 1;
 };
 
-enum class KeyboardPage { Latin, Cyrillic, Symbols };
+enum class KeyboardPage { Latin, Cyrillic, Arabic, Symbols };
 
 inline constexpr int keyboardRows = 3;
 inline constexpr int keyboardColumns = 12;
 
 std::array<std::span<const KeyboardKey>, keyboardRows> RowsOf(KeyboardPage page);
+
+// The letters that the National key brings: those of the language, or Cyrillic ones where it is written in
+// Latin ones.
+KeyboardPage NationalPage(std::string_view language);
+// The page that the keyboard of a language begins with.
+KeyboardPage FirstPage(std::string_view language);
 
 // The choice of a key that has been held for that many steps; the last one stays.
 std::string_view ChoiceOf(const KeyboardKey& key, int step);

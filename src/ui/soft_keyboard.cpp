@@ -29,12 +29,9 @@ struct FunctionKey {
     std::string_view label;
 };
 constexpr FunctionKey functionKeys[] = {
-    {KeyAction::Shift, "Shift", ""},
-    {KeyAction::Back, "Backspace", ""},
-    {KeyAction::Done, "Done", ""},
-    {KeyAction::Latin, "Function", "ABC"},
-    {KeyAction::Cyrillic, "Function", "АБВ"},
-    {KeyAction::Symbols, "Function", "123"},
+    {KeyAction::Shift, "Shift", ""},       {KeyAction::Back, "Backspace", ""},
+    {KeyAction::Done, "Done", ""},         {KeyAction::Latin, "Function", "ABC"},
+    {KeyAction::National, "Function", ""}, {KeyAction::Symbols, "Function", "123"},
 };
 
 const FunctionKey* FunctionOf(KeyAction action) {
@@ -74,13 +71,13 @@ void SoftKeyboard::SipShowIM(bool on, Dialog& owner) {
     // It may make room, which decides where the keyboard docks.
     owner.OnSoftKeyboard(true);
     const bool text = field->Spec().input == EditInput::Text;
-    const bool russian = GetDesktop().Texts().GetLanguage() == "russian";
-    const KeyboardPage letters = russian ? KeyboardPage::Cyrillic : KeyboardPage::Latin;
+    const std::string language = GetDesktop().Texts().GetLanguage();
+    m_national = NationalPage(language);
 
     // At the bottom, unless the field would be seen better with the keyboard at the top.
     const bool up = Covered(dockedUp, field->Place()) < Covered(dockedDown, field->Place());
     MoveTo(up ? dockedUp : dockedDown);
-    ShowPage(text ? letters : KeyboardPage::Symbols);
+    ShowPage(text ? FirstPage(language) : KeyboardPage::Symbols);
     if (IsOpen()) {
         ShowWindow(true);
         BringToTop();
@@ -175,6 +172,7 @@ const Bitmap* SoftKeyboard::PictureOf(const KeyboardKey& key, bool lit) const {
 }
 
 std::string SoftKeyboard::LabelOf(const PlacedKey& key, bool pressed) const {
+    if (key.key.action == KeyAction::National) return m_national == KeyboardPage::Arabic ? "ابت" : "АБВ";
     if (const FunctionKey* const function = FunctionOf(key.key.action)) return std::string(function->label);
     if (key.key.types != " ") return Typed(key.key, pressed ? m_held : 0);
     return key.key.columns > 1 ? "" : "\u2423";
@@ -258,7 +256,7 @@ void SoftKeyboard::Release(const KeyboardKey& key) {
             if (m_owner) SipShowIM(false, *m_owner);
             break;
         case KeyAction::Latin: ShowPage(KeyboardPage::Latin); break;
-        case KeyAction::Cyrillic: ShowPage(KeyboardPage::Cyrillic); break;
+        case KeyAction::National: ShowPage(m_national); break;
         case KeyAction::Symbols: ShowPage(KeyboardPage::Symbols); break;
     }
 }

@@ -59,6 +59,7 @@ class SoftKeyboard final : public Dialog {
 
     Dialog* m_owner = nullptr;  // whose field is edited; null while the keyboard is away
     KeyboardPage m_page = KeyboardPage::Latin;
+    KeyboardPage m_national = KeyboardPage::Cyrillic;  // of the language
     Shift m_shift = Shift::Off;
     std::vector<PlacedKey> m_keys;
     std::map<std::string, const Bitmap*> m_pictures;

@@ -64,7 +64,7 @@ TEST_P(Survey, Keyboard) {
     dialog.Show();
     bench.Tap(dialog.Get<EditField>(1).Place());
     for (const KeyAction page :
-         {KeyAction::Symbols, KeyAction::Cyrillic, KeyAction::Symbols, KeyAction::Latin}) {
+         {KeyAction::Symbols, KeyAction::National, KeyAction::Symbols, KeyAction::Latin}) {
         bench.Tap(bench.keyboard.PlaceOf(page));
         EXPECT_THAT(test::FaultsOf(bench.keyboard), testing::IsEmpty());
         bench.Down(test::UiBench::Middle(bench.keyboard.PlaceOf(".")));

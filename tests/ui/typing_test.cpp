@@ -82,7 +82,7 @@ TEST(SoftKeyboard, TypesLatinCyrillicAndSymbols) {
     bench.TapKeys({"y", "o"});
     bench.TapKey(KeyAction::Shift);
     bench.TapKeys({"u", " "});
-    bench.TapKey(KeyAction::Cyrillic);
+    bench.TapKey(KeyAction::National);
     bench.TapKey(KeyAction::Shift);
     bench.TapKeys({"я", "ш"});
     bench.TapKey(KeyAction::Symbols);
@@ -101,6 +101,17 @@ TEST(SoftKeyboard, BeginsWithThePageThatTheFieldNeeds) {
         english.TapKeys({"1", "+"});
         english.Tap(english.Field(upper).Place());
         english.TapKeys({"q"});
+    }
+    {
+        TypingBench arabic("arabic");
+        arabic.Tap(arabic.Field(lower).Place());
+        arabic.TapKeys({"س", "ل", "ا", "م", " "});
+        arabic.TapKey(KeyAction::Latin);
+        arabic.TapKeys({"o", "k"});
+        arabic.TapKey(KeyAction::Symbols);
+        arabic.TapKey(KeyAction::National);
+        arabic.TapKeys({"."});
+        EXPECT_EQ(arabic.Text(lower), "سلام ok.");
     }
     TypingBench russian("russian");
     russian.Tap(russian.Field(upper).Place());
