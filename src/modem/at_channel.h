@@ -213,6 +213,8 @@ class CATChannel {
     void OnFinalOk();
     // All results of the text: each is an answer, though they raise one event.
     void CountFinalResults(std::string_view text, std::string_view result);
+    // Those of a chunk that begins or ends a split answer, and raises no event for them.
+    void CountUnseenResults(std::string_view chunk);
     void ReportPhoneBookResult(bool ok);
     void OnPrompt();
     bool ServesClient() const;

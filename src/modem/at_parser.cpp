@@ -11,6 +11,7 @@ namespace varkel {
 namespace {
 
 constexpr std::string_view okResult = "OK\r\n";
+constexpr std::string_view errorResult = "ERROR";
 
 // Whether the rest of the keyword's answer is to be awaited when a chunk ends within it.
 bool MayBeSplit(Keyword keyword) {
@@ -79,8 +80,9 @@ void CATChannel::ProcessRcv(std::string_view chunk) {
                     m_accumulated.begin() + static_cast<std::ptrdiff_t>(m_accumulatedLength));
         m_accumulatedLength += count;
         const Keyword complete = std::exchange(m_pending, Keyword::Csq);
-        CountFinalResults(chunk, okResult);
         Process_event(complete, {m_accumulated.data(), m_accumulatedLength});
+        // Behind the event: who sees that nothing is owed any more finds what the answer has brought.
+        CountUnseenResults(chunk);
     } else {
         SearchAndDispatch(chunk);
     }
@@ -102,6 +104,7 @@ void CATChannel::SearchAndDispatch(std::string_view chunk) {
             Process_event(keyword, text);
         } else {
             AwaitRest(keyword, text);
+            CountUnseenResults(chunk);
             return;
         }
     }
@@ -161,7 +164,7 @@ void CATChannel::Process_event(Keyword keyword, std::string_view param) {
             if (m_ringAllowed && m_handlers.OnRing) m_handlers.OnRing(owner, param);
             break;
         case Keyword::Error:
-            CountFinalResults(param, "ERROR");
+            CountFinalResults(param, errorResult);
             OnFinalError();
             break;
         case Keyword::Ok:
@@ -178,6 +181,11 @@ void CATChannel::OnPrompt() {
     sendPending.Set(m_runtime.GetTickCount());
     if (!ServesClient() && m_handlers.OnSendState) m_handlers.OnSendState(m_owner, SendState::Sending);
     if (m_handlers.OnSendMsSuc) m_handlers.OnSendMsSuc(m_owner);
+}
+
+void CATChannel::CountUnseenResults(std::string_view chunk) {
+    CountFinalResults(chunk, okResult);
+    CountFinalResults(chunk, errorResult);
 }
 
 void CATChannel::CountFinalResults(std::string_view text, std::string_view result) {
