@@ -115,6 +115,7 @@ PhoneBookResult SimPhonebookEditor::Write(SimSlot slot, const Content& content, 
     CATChannel& at = m_session.at;
     const auto result = InTurn([&] {
         if (Ask([&] { at.cmd_set_cscs_ucs2(); }, settingLimit) != Answer::Ok) return Failure();
+        m_session.platform.log.DebugOutput("\r\n%s\r\n", std::string(name).c_str());
         const Answer written =
             Ask([&] { at.cmd_set_sim_content(slot, content.name, content.number); }, writeLimit);
         // Everything else that goes out is in this character set.
