@@ -202,11 +202,13 @@ bool ModuleOpen::Initialise() {
     return !m_waits.Cancelled();
 }
 
-// A slow module may still owe the IMSI that chooses the operator.
+// A slow module may still owe the IMSI that chooses the operator; one that has answered without it does not.
 bool ModuleOpen::ChooseAccessPoint() {
     const Ticks start = m_session.platform.runtime.GetTickCount();
-    const auto known = [this] { return !m_session.state.m_strImsi.Get().empty(); };
-    if (m_waits.Until(known, start, imsiLimit, slice) == Outcome::Cancelled) return false;
+    const auto settled = [this] {
+        return !m_session.state.m_strImsi.Get().empty() || !m_session.at.AnswerOutstanding(imsiLimit);
+    };
+    if (m_waits.Until(settled, start, imsiLimit, slice) == Outcome::Cancelled) return false;
     if (m_parts.data.GetApn()) return true;
     m_session.screens.Warn(WarnCode::NoApn);
     return false;

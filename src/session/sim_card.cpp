@@ -74,10 +74,13 @@ void SimCard::OnIdentity(std::string_view text, IdQuery which) {
     const std::size_t end = text.find("\r\nOK");
     if (end == std::string_view::npos) return;
     const std::string_view answer = text.substr(0, end);
+    // A refused question is completed by whatever comes next, be it the answer to the other one.
+    if (answer.find("ERROR") != std::string_view::npos) return;
     std::size_t first = 0;
     while (first < answer.size() && !IsDigit(answer[first]))
         ++first;
-    const std::string value(CutUtf8(Trimmed(answer.substr(first)), longestIdentity));
+    const std::string_view line = answer.substr(first, answer.find('\r', first) - first);
+    const std::string value(CutUtf8(Trimmed(line), longestIdentity));
     if (value.empty()) return;
 
     (which == IdQuery::Imsi ? m_session.state.m_strImsi : m_session.state.m_strImei).Set(value);

@@ -62,6 +62,34 @@ TEST(BringUp, TakesItsPausesTheModemsTimeAndLittleMore) {
     EXPECT_GE(took, BringUpBar({}) * 95 / 100) << "no required pause was left out";
 }
 
+// A refused question is answered as well, and not by the module's answer to the next one.
+TEST(BringUp, WaitsForTheImsiOnlyAsLongAsTheModuleOwesIt) {
+    struct Row {
+        std::vector<const char*> world;
+        const char* imsi;
+        Ticks longest;  // from the last question on
+    };
+    const Row rows[] = {
+        {{"late 8s"}, "460001234567890", 14'000},
+        {{"sim out"}, "", 3000},
+        {{"time reply 0s", "time sim-reply 0s", "sim out"}, "", 5000},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.world.front());
+        SessionBench bench;
+        bench.Start();
+        ASSERT_TRUE(bench.RunUntil([&] { return bench.unit.Count("AT+CPBS?") == 1; }, 60'000));
+        for (const char* command : row.world)
+            EXPECT_EQ(bench.unit.Command(command), "");
+        ASSERT_TRUE(bench.RunUntil([&] { return bench.unit.Count("AT+GSN") == 1; }, 20'000));
+        const std::uint64_t asked = bench.runtime.Elapsed();
+        ASSERT_TRUE(bench.RunUntilOpenEnds());
+        EXPECT_EQ(bench.dialog->State().m_strImsi.Get(), row.imsi);
+        EXPECT_EQ(bench.screens.Count("warn 38"), *row.imsi == '\0' ? 1 : 0);
+        EXPECT_LE(bench.runtime.Elapsed() - asked, row.longest);
+    }
+}
+
 struct Failure {
     const char* name;
     std::vector<const char*> world;  // commands before the start
