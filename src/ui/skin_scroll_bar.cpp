@@ -91,6 +91,11 @@ Rect CSkinScrollBar::Thumb() const {
     return {channel.x, channel.y + offset, channel.width, height};
 }
 
+// What a finger reaches past the bar's sides counts as its middle.
+Point CSkinScrollBar::Inside(Point at) const {
+    return FingerSized(Place()).Contains(at) ? Point{Place().x + Place().width / 2, at.y} : at;
+}
+
 CSkinScrollBar::Part CSkinScrollBar::PartAt(Point at) const {
     if (UpArrow().Contains(at)) return Part::UpArrow;
     if (DownArrow().Contains(at)) return Part::DownArrow;
@@ -116,9 +121,7 @@ void CSkinScrollBar::AppendTargets(std::vector<TouchTarget>& targets) const {
 }
 
 void CSkinScrollBar::OnTouchDown(Point at) {
-    // What reaches past the bar's sides counts as its middle.
-    const Point inside{std::clamp(at.x, Place().x, Place().Right() - 1), at.y};
-    m_pressed = PartAt(inside);
+    m_pressed = PartAt(Inside(at));
     if (m_pressed == Part::None) return;
     if (m_pressed == Part::Channel) {
         m_grip = Thumb().height / 2;
@@ -162,7 +165,7 @@ void CSkinScrollBar::OnTouchUp(Point at) {
     const bool pressed = m_pressed != Part::None;
     EndPress();
     if (!pressed) return;
-    const Part part = PartAt(at);
+    const Part part = PartAt(Inside(at));
     if (part == Part::UpArrow) Parent().OnScrollEvent(ScrollCode::LineUp, m_position, *this);
     if (part == Part::DownArrow) Parent().OnScrollEvent(ScrollCode::LineDown, m_position, *this);
 }

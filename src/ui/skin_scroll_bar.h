@@ -40,6 +40,7 @@ class CSkinScrollBar final : public Control {
     Rect DownArrow() const;
     Rect Channel() const;
     Rect Thumb() const;
+    Point Inside(Point at) const;
     Part PartAt(Point at) const;
     void Step();
     void Track(int thumbTop);

@@ -64,6 +64,8 @@ TEST(SkinScrollBar, AnArrowStepsWhenItIsReleasedAndWhileItIsHeld) {
     ListBench bench;
     bench.Tap(downArrow);
     EXPECT_EQ(bench.dialog.Told(), "1:0 ");
+    bench.Tap(Point{barRect.Right() + 5, downArrow.y});  // a finger is wider than the bar
+    EXPECT_EQ(bench.dialog.Told(), "1:0 ");
     bench.Down(upArrow);
     bench.RunFor(195);  // 150 ms until the repeat begins, 50 ms a step
     EXPECT_EQ(bench.dialog.Told(), "");
