@@ -72,8 +72,11 @@ void ListBox::DrawRow(Canvas& canvas, int row) const {
     const ListRow content = m_model.row(row);
     const Rect place = PlaceOf(row);
     const bool selected = row == m_selected;
-    if (selected) canvas.FillRect(place, palette.pressed);
-    canvas.FillRect({place.x + margin, place.Bottom() - 1, place.width - 2 * margin, 1}, palette.line);
+    if (selected) {
+        canvas.FillRect(place, palette.pressed);
+    } else {
+        canvas.FillRect({place.x + margin, place.Bottom() - 1, place.width - 2 * margin, 1}, palette.line);
+    }
 
     TextStyle text = StyleOf(TextRole::Body, Parent().Colors());
     TextStyle small = StyleOf(TextRole::Secondary, Parent().Colors());
