@@ -21,7 +21,7 @@ constexpr RadioSpec radios[] = {
      .role = TextRole::Button},
 };
 constexpr TextSpec texts[] = {
-    {0, {14, 0, 772, 50}, "Phrase", TextRole::Title},
+    {0, {14, 0, 772, 50}, "IDS_PHRASES", TextRole::Title},
 };
 constexpr ButtonSpec buttons[] = {
     {.id = idCancel, .rect = {428, 396, 180, 80}, .picture = "Quit"},
