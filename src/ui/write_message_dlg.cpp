@@ -84,6 +84,8 @@ void CWriteMessageDlg::OnInitDialog() {
     Get<CSkinButton>(phoneBookId).EnableWindow(m_context.pickNumber != nullptr);
     ShowCounter();
     SetFocus(m_recipient.empty() ? &recipient : &text);
+    // Below the keyboard stands the phonebook, where most recipients come from.
+    if (m_recipient.empty() && m_context.pickNumber) LowerKeyboard();
 }
 
 void CWriteMessageDlg::OnSoftKeyboard(bool up) {
