@@ -9,7 +9,10 @@ CheckBox::CheckBox(Dialog& parent, const CheckSpec& spec)
     : Control(parent, spec.id, spec.rect),
       m_pictures(parent, spec.picture),
       m_role(spec.role),
-      m_text(parent.LoadText(spec.caption)) {}
+      m_text(parent.LoadText(spec.caption)) {
+    const bool moves = parent.GetDesktop().ReadsRightToLeft() && !spec.mirroredIn.Empty();
+    if (moves) MoveWindow(Mirrored(spec.rect, spec.mirroredIn));
+}
 
 void CheckBox::SetCheck(bool checked) {
     if (m_checked == checked) return;
@@ -20,8 +23,8 @@ void CheckBox::SetCheck(bool checked) {
 void CheckBox::Draw(Canvas& canvas) {
     TextStyle style = StyleOf(m_role, Parent().Colors());
     if (!IsWindowEnabled()) style.color = SkinColors::disabled;
-    DrawMarkedText(canvas, Parent().GetDesktop().GetGraphics(), Place(),
-                   m_pictures.Get(m_checked, IsWindowEnabled()), m_text, style);
+    DrawMarkedText(canvas, Parent().GetDesktop(), Place(), m_pictures.Get(m_checked, IsWindowEnabled()),
+                   m_text, style);
 }
 
 void CheckBox::AppendTargets(std::vector<TouchTarget>& targets) const {

@@ -38,6 +38,11 @@ struct ButtonSpec {
 // text stands on the picture.
 enum class TextGround { Drawn, Static };
 
+// In a language that is read from the right, as far from the other side of `within`.
+constexpr Rect Mirrored(const Rect& rect, const Rect& within) {
+    return {within.x + within.Right() - rect.Right(), rect.y, rect.width, rect.height};
+}
+
 struct TextSpec {
     int id = 0;
     Rect rect{};
@@ -45,6 +50,7 @@ struct TextSpec {
     TextRole role = TextRole::Body;
     TextFormat format = TextFormat::Left | TextFormat::VCenter | TextFormat::SingleLine;
     TextGround ground = TextGround::Drawn;
+    Rect mirroredIn{};  // changes sides there; empty: it stays where it is
 };
 
 enum class EditInput { Text, Digits, PhoneNumber };
@@ -87,6 +93,7 @@ struct CheckSpec {
     std::string_view picture{};  // "Check" stands for "Check.bmp" and "CheckSel.bmp"
     std::string_view caption{};
     TextRole role = TextRole::Body;
+    Rect mirroredIn{};  // as that of a text
 };
 
 // A control that only keeps a place, as the one that a scroll bar is created from.

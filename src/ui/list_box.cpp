@@ -86,8 +86,7 @@ void ListBox::DrawRow(Canvas& canvas, int row) const {
     // In languages that are read from the right everything stands the other way round.
     const bool mirrored = Parent().GetDesktop().ReadsRightToLeft();
     const auto side = [&place, mirrored](const Rect& rect) {
-        return mirrored ? Rect{place.x + place.Right() - rect.Right(), rect.y, rect.width, rect.height}
-                        : rect;
+        return mirrored ? Mirrored(rect, place) : rect;
     };
     const TextFormat format = lineFormat | (mirrored ? TextFormat::Right : TextFormat::Left);
     const Rect inside{place.x + margin, place.y, place.width - 2 * margin, place.height};

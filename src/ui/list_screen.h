@@ -45,10 +45,18 @@ class ListScreen : public Dialog {
                 .role = TextRole::Button};
     }
     static constexpr TextSpec Title(std::string_view caption) {
-        return {titleId, {14, 0, 506, 50}, caption, TextRole::Title};
+        return {.id = titleId,
+                .rect = {14, 0, 506, 50},
+                .caption = caption,
+                .role = TextRole::Title,
+                .mirroredIn = titleBar};
     }
     static constexpr TextSpec Counter() {
-        return {counterId, {530, 0, 186, 50}, "", TextRole::Secondary, rightInBar};
+        return {.id = counterId,
+                .rect = {530, 0, 186, 50},
+                .role = TextRole::Secondary,
+                .format = rightInBar,
+                .mirroredIn = titleBar};
     }
     // What stands in place of the rows when there are none.
     static constexpr TextSpec Empty(std::string_view caption) {
@@ -113,6 +121,7 @@ class ListScreen : public Dialog {
     ScreenContext& m_context;
 
   private:
+    static constexpr Rect titleBar{14, 0, 702, 50};
     static constexpr auto rightInBar = TextFormat::Right | TextFormat::VCenter | TextFormat::SingleLine;
     static constexpr auto inTheMiddle = TextFormat::Center | TextFormat::VCenter | TextFormat::WordBreak;
 

@@ -25,21 +25,26 @@ const Bitmap* MarkPictures::Get(bool selected, bool enabled) const {
     return enabled || !disabled ? m_pictures[selected][0] : disabled;
 }
 
-void DrawMarkedText(Canvas& canvas, Graphics& graphics, const Rect& place, const Bitmap* mark,
+void DrawMarkedText(Canvas& canvas, const Desktop& desktop, const Rect& place, const Bitmap* mark,
                     std::string_view text, const TextStyle& style) {
     constexpr int gap = 10;
+    const bool mirrored = desktop.ReadsRightToLeft();
+    const auto side = [&place, mirrored](const Rect& rect) {
+        return mirrored ? Mirrored(rect, place) : rect;
+    };
     int left = place.x;
     if (mark) {
         const Size size = mark->GetSize();
         const int height = std::min(size.height, place.height);
         const int width = size.height > 0 ? size.width * height / size.height : 0;
-        canvas.StretchBlt(*mark, {left, place.y + (place.height - height) / 2, width, height});
+        canvas.StretchBlt(*mark, side({left, place.y + (place.height - height) / 2, width, height}));
         left += width + gap;
     }
-    const Rect box{left, place.y, place.Right() - left, place.height};
-    const LogFont font = FittingFont(graphics, text, style.font, {box.width, box.height}, false);
-    canvas.DrawText(text, box, TextFormat::VCenter | TextFormat::SingleLine | TextFormat::EndEllipsis, font,
-                    style.color);
+    const Rect box = side({left, place.y, place.Right() - left, place.height});
+    const LogFont font = FittingFont(desktop.GetGraphics(), text, style.font, {box.width, box.height}, false);
+    const TextFormat begin = mirrored ? TextFormat::Right : TextFormat::Left;
+    canvas.DrawText(text, box, begin | TextFormat::VCenter | TextFormat::SingleLine | TextFormat::EndEllipsis,
+                    font, style.color);
 }
 
 }  // namespace varkel

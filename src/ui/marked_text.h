@@ -8,6 +8,7 @@
 
 namespace varkel {
 
+class Desktop;
 class Dialog;
 
 // The four pictures of a mark. A skin without disabled ones shows the others.
@@ -22,8 +23,8 @@ class MarkPictures {
     const Bitmap* m_pictures[2][2]{};  // by selected, disabled
 };
 
-// The mark is as high as the place at most; null = there is none.
-void DrawMarkedText(Canvas& canvas, Graphics& graphics, const Rect& place, const Bitmap* mark,
+// The mark stands where the text begins, and is as high as the place at most; null = there is none.
+void DrawMarkedText(Canvas& canvas, const Desktop& desktop, const Rect& place, const Bitmap* mark,
                     std::string_view text, const TextStyle& style);
 
 }  // namespace varkel

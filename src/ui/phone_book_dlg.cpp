@@ -27,15 +27,20 @@ constexpr int pageUpId = 1064;
 constexpr int pageDownId = 1066;
 constexpr int exitId = 1075;
 
+constexpr Rect titleBar{14, 0, 702, 50};
 constexpr Rect listRect{8, 130, 540, 344};
 
 constexpr TextSpec texts[] = {
-    {1000, {14, 0, 480, 50}, "IDS_ADDRESSLISTMODE", TextRole::Title},
-    {countId,
-     {560, 0, 160, 50},
-     "",
-     TextRole::Secondary,
-     TextFormat::Right | TextFormat::VCenter | TextFormat::SingleLine},
+    {.id = 1000,
+     .rect = {14, 0, 506, 50},
+     .caption = "IDS_ADDRESSLISTMODE",
+     .role = TextRole::Title,
+     .mirroredIn = titleBar},
+    {.id = countId,
+     .rect = {530, 0, 186, 50},
+     .role = TextRole::Secondary,
+     .format = TextFormat::Right | TextFormat::VCenter | TextFormat::SingleLine,
+     .mirroredIn = titleBar},
     {emptyId,
      {24, 130, 508, 150},
      "",

@@ -34,8 +34,11 @@ void RadioGroup::SetTextStyle(const TextStyle& style) {
 
 Rect RadioGroup::PlaceOf(int item) const {
     const int columns = std::max(1, Place().width / m_item.width);
-    return {Place().x + item % columns * m_item.width, Place().y + item / columns * m_item.height,
-            m_item.width, m_item.height};
+    const Rect place{Place().x + item % columns * m_item.width, Place().y + item / columns * m_item.height,
+                     m_item.width, m_item.height};
+    // Tabs keep their order, which other controls share.
+    const bool mirrored = m_look == RadioLook::Mark && Parent().GetDesktop().ReadsRightToLeft();
+    return mirrored ? Mirrored(place, Place()) : place;
 }
 
 int RadioGroup::ItemAt(Point at) const {
@@ -62,7 +65,7 @@ void RadioGroup::DrawItem(Canvas& canvas, int item) const {
     TextStyle style = m_style;
     if (!IsWindowEnabled()) style.color = SkinColors::disabled;
     if (m_look == RadioLook::Mark) {
-        DrawMarkedText(canvas, graphics, place, picture, text, style);
+        DrawMarkedText(canvas, Parent().GetDesktop(), place, picture, text, style);
         return;
     }
     if (picture) {

@@ -10,6 +10,10 @@ namespace {
 constexpr ColorRef white = 0xFFFFFF;
 constexpr int labelMargin = 8;
 
+constexpr TextFormat OtherSide(TextFormat format) {
+    return static_cast<TextFormat>(static_cast<unsigned>(format) ^ static_cast<unsigned>(TextFormat::Right));
+}
+
 }  // namespace
 
 StaticText::StaticText(Dialog& parent, const TextSpec& spec)
@@ -20,8 +24,11 @@ StaticText::StaticText(Dialog& parent, const TextSpec& spec)
     const TextStyle style = StyleOf(spec.role, parent.Colors());
     m_font = style.font;
     m_color = m_whiteGround ? parent.GetDesktop().Colors().labelText : style.color;
-    const bool placed = Has(m_format, TextFormat::Center) || Has(m_format, TextFormat::Right);
-    if (!placed && parent.GetDesktop().ReadsRightToLeft()) m_format = m_format | TextFormat::Right;
+    if (!parent.GetDesktop().ReadsRightToLeft()) return;
+    const bool moves = !spec.mirroredIn.Empty();
+    if (moves) MoveWindow(Mirrored(spec.rect, spec.mirroredIn));
+    const bool centred = Has(m_format, TextFormat::Center);
+    if (!centred && (moves || !Has(m_format, TextFormat::Right))) m_format = OtherSide(m_format);
 }
 
 void StaticText::SetWindowText(std::string_view text) {
