@@ -27,6 +27,9 @@ constexpr Ticks answerTime = 100;
 constexpr int signalTextId = 1105;
 
 constexpr int captionOffset = 58;
+constexpr Rect dataRow{24, 341, 568, 63};
+constexpr Rect autoOpenPlace{24, 406, 568, 63};
+constexpr Rect autoOpenInCall{24, 276, 568, 63};
 constexpr Rect volumePlace{276, 66, 220, 72};
 constexpr Rect dataPlace{622, 6, 48, 38};
 constexpr Rect signalPlace{672, 6, 52, 38};
@@ -40,7 +43,11 @@ constexpr TextSpec texts[] = {
     {1111, {24, 62, 148, 80}, "IDS_SOUNDSET", TextRole::Body, oneLine},
     {1112, {24, 146, 240, 63}, "IDS_CALLRING", TextRole::Body, oneLine},
     {1113, {24, 211, 240, 63}, "IDS_NOTERING", TextRole::Body, oneLine},
-    {CSettingsDlg::dataTextId, {376, 341, 216, 63}, "", TextRole::Secondary, atRight},
+    {.id = CSettingsDlg::dataTextId,
+     .rect = {376, 341, 216, 63},
+     .role = TextRole::Secondary,
+     .format = atRight,
+     .mirroredIn = dataRow},
     {CSettingsDlg::modeTextId, {612, 286, 180, 68}, "", TextRole::Secondary, inColumn},
     {signalTextId, {612, 364, 180, 68}, "", TextRole::Secondary, inColumn},
 };
@@ -72,15 +79,22 @@ constexpr int modemOff = 1;
 constexpr std::string_view modemCaptions[] = {"IDS_3GTURNONBTN", "IDS_3GTURNOFFBTN"};
 constexpr RadioSpec radios[] = {
     {.id = CSettingsDlg::modemId,
-     .rect = {24, 276, 564, 63},
-     .item = {282, 63},
+     .rect = {24, 276, 568, 63},
+     .item = {284, 63},
      .picture = "\\ResidentFlash2\\bin\\GPRS\\Radio",
      .captions = modemCaptions},
 };
 constexpr std::string_view checkPicture = "\\ResidentFlash2\\bin\\Gprs\\Check";
 constexpr CheckSpec checks[] = {
-    {CSettingsDlg::dataId, {24, 341, 344, 63}, checkPicture, "IDS_OPEN3GNET"},
-    {CSettingsDlg::autoOpenId, {24, 406, 564, 63}, checkPicture, "IDS_SET_AUTO_OPEN3G"},
+    {.id = CSettingsDlg::dataId,
+     .rect = {24, 341, 344, 63},
+     .picture = checkPicture,
+     .caption = "IDS_OPEN3GNET",
+     .mirroredIn = dataRow},
+    {.id = CSettingsDlg::autoOpenId,
+     .rect = autoOpenPlace,
+     .picture = checkPicture,
+     .caption = "IDS_SET_AUTO_OPEN3G"},
 };
 
 constexpr DialogSpec spec{
@@ -218,6 +232,8 @@ void CSettingsDlg::Refresh() {
     modem.ShowWindow(!inCall);
     data.ShowWindow(!inCall);
     dataText.ShowWindow(!inCall);
+    // What stays closes the gap.
+    Get<CheckBox>(autoOpenId).MoveWindow(inCall ? autoOpenInCall : autoOpenPlace);
     dataText.SetWindowText(LoadText(LookOf(session.State()).key));
     Get<StaticText>(modeTextId).SetWindowText(LoadText(NetworkModeKey(session.Choices().NetworkMode())));
     const bool closed = session.State().MainScreenMode == ScreenMode::Closed;

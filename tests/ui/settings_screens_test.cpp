@@ -260,6 +260,9 @@ TEST_F(SettingsScreen, ACallTakesWhatWasChosenAndTheOtherScreens) {
               const Dialog& screen = *desktop.Active();
               EXPECT_FALSE(screen.Get<RadioGroup>(CSettingsDlg::modemId).IsWindowVisible());
               EXPECT_FALSE(screen.Get<CheckBox>(CSettingsDlg::dataId).IsWindowVisible());
+              EXPECT_EQ(screen.Get<CheckBox>(CSettingsDlg::autoOpenId).Place().y,
+                        screen.Get<RadioGroup>(CSettingsDlg::modemId).Place().y)
+                  << "without a gap";
               EXPECT_FALSE(screen.Get<CSkinButton>(CSettingsDlg::centerId).IsWindowEnabled());
               EXPECT_FALSE(screen.Get<CSkinButton>(CSettingsDlg::networkId).IsWindowEnabled());
           },
