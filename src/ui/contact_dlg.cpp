@@ -44,7 +44,7 @@ constexpr ButtonSpec Action(int place, int id, std::string_view picture, Disable
 constexpr ButtonSpec buttons[] = {
     Action(0, callId, "Key", DisabledPicture::Disable, "IDS_CALL"),
     Action(0, pickId, "ItemSelect", DisabledPicture::Dis, "IDS_USE"),
-    Action(1, messageId, "BuildMsm", DisabledPicture::Dis, "IDS_SENDSMS"),
+    Action(1, messageId, "BuildMsm", DisabledPicture::Dis, "IDS_MESSAGE"),
     Action(2, editId, "ItemEdit", DisabledPicture::Dis, "IDS_EDIT"),
     Action(3, deleteId, "Delete", DisabledPicture::Disable, "IDS_DELETE"),
     {.id = exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
