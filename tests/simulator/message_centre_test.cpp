@@ -77,11 +77,11 @@ TEST_F(MessageCentreTest, KeepsWhatTheSimCannotTake) {
     EXPECT_EQ(DecodeDeliver(bench.unit.Sim().messages.Find(7)->pdu)->text, "Message 21 of 22");
     EXPECT_EQ(bench.Ask("AT+CMGD=1,4"), "|OK||+CMTI: \"SM\",1|");
     EXPECT_EQ(bench.unit.Messages().Waiting(), 0u);
-    bench.Do({"sms-burst 100"});
+    bench.Do({"sms-burst 400"});
     bench.Pass(1000);
-    EXPECT_EQ(bench.unit.Messages().Waiting(), 81u);
+    EXPECT_EQ(bench.unit.Messages().Waiting(), 381u);
     EXPECT_FALSE(bench.unit.Command("sms-burst 20", bench.now).well) << "more than it keeps";
-    EXPECT_EQ(bench.unit.Messages().Waiting(), 81u) << "all or none";
+    EXPECT_EQ(bench.unit.Messages().Waiting(), 381u) << "all or none";
 }
 
 TEST_F(MessageCentreTest, WaitsForTheModule) {
@@ -159,7 +159,7 @@ TEST_F(MessageCentreTest, RefusesWhatItCannotSend) {
                                         "sms-raw xy",
                                         "sms-burst",
                                         "sms-burst 0",
-                                        "sms-burst 101",
+                                        "sms-burst 401",
                                         "sms-burst 3 \"",
                                         "messages all",
                                         "sms-clear 1",
