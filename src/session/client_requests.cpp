@@ -54,11 +54,11 @@ bool ClientRequests::OnMessage(const WindowMessage& message) {
     const WindowHandle window{message.wParam};
     switch (message.id) {
         case addListenWnd: OnAddListenWnd(window); return true;
-        case removeListenWnd: m_listeners.Remove(window); return true;
-        case getImsi: OnGetIdentity(IdQuery::Imsi); return true;
-        case getImei: OnGetIdentity(IdQuery::Imei); return true;
+        case removeListenWnd: OnRemoveListenWnd(window); return true;
+        case getImsi: OnGetIMSI(); return true;
+        case getImei: OnGetIMEI(); return true;
         case forceCheckGprs: m_link.OnForceCheckGprs(); return true;
-        case getConnectStatus: PostReply(Reply::ConnectStatus); return true;
+        case getConnectStatus: OnGetConnectStatus(); return true;
         default: return false;
     }
 }
@@ -72,7 +72,7 @@ void ClientRequests::OnAddListenWnd(WindowHandle window) {
         [&listeners = m_listeners, window](LinkResult result) { listeners.Tell(window, result); });
 }
 
-void ClientRequests::OnGetIdentity(IdQuery which) {
+void ClientRequests::AnswerIdentity(IdQuery which) {
     const bool imsi = which == IdQuery::Imsi;
     const SessionState& state = m_session.state;
     if ((imsi ? state.m_strImsi : state.m_strImei).Get().size() >= shortestIdentity) {

@@ -42,7 +42,11 @@ class ClientRequests {
     enum class Reply { Imsi, Imei, ConnectStatus };
 
     void OnAddListenWnd(WindowHandle window);
-    void OnGetIdentity(IdQuery which);
+    void OnRemoveListenWnd(WindowHandle window) { m_listeners.Remove(window); }
+    void OnGetIMSI() { AnswerIdentity(IdQuery::Imsi); }
+    void OnGetIMEI() { AnswerIdentity(IdQuery::Imei); }
+    void OnGetConnectStatus() { PostReply(Reply::ConnectStatus); }
+    void AnswerIdentity(IdQuery which);
     void OnIdentity(IdQuery which);
     void PostReply(Reply reply);
     void WriteReply(Reply reply);

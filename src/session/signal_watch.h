@@ -38,7 +38,6 @@ class SignalWatch {
     void StepLevel();
     void CountWeak();
     void CountGood();
-    void PostSignalState(int level);
 
     Session& m_session;
     CommandTurn& m_turn;
