@@ -24,10 +24,11 @@ ValueTable::ValueTable(Registry& registry, Notices& notices, std::string_view ke
 bool ValueTable::Load() {
     bool created = false;
     const auto key = m_registry.RegCreateKeyEx(m_key, created);
-    if (key && created) return Save();
-    bool loaded = key != nullptr;
+    if (!key) return false;
+    if (created) return Save();
+    bool loaded = true;
     for (Entry& entry : m_entries) {
-        const auto text = key ? QueryText(*key, entry.name, bufferUnits * 2) : std::nullopt;
+        const auto text = QueryText(*key, entry.name, bufferUnits * 2);
         entry.value = text.value_or("");
         loaded = loaded && text;
     }

@@ -18,6 +18,7 @@ class ValueTable {
 
     // Reads every value; writes the present ones instead when the key did not exist. When a value of an
     // existing key cannot be read, "load failed" is shown, that value is empty and the result is false.
+    // Without the key the result is false, too, and the present values stay.
     [[nodiscard]] bool Load();
     // Writes every value; false at the first that cannot be written.
     [[nodiscard]] bool Save();

@@ -147,9 +147,12 @@ TEST_F(SettingsTest, KeepsAValueTableAsAWhole) {
     registry.SetValue("Software\\Varkel", "HookDialed", Dword(1));
     EXPECT_FALSE(table.Load());
     EXPECT_EQ(table.Get("HookDialed"), "");
-    EXPECT_THAT(notices.Boxes(), testing::ElementsAre("|load failed"));
     registry.refuseWrites = true;
     EXPECT_FALSE(table.Save());
+    registry.refuse = true;
+    EXPECT_FALSE(table.Load());
+    EXPECT_EQ(table.Get("CallStatus").size(), 499u) << "what is known stays";
+    EXPECT_THAT(notices.Boxes(), testing::ElementsAre("|load failed")) << "of a value, not of the registry";
 }
 
 }  // namespace
