@@ -93,7 +93,7 @@ void StoreFile::KeepNewest(std::string& bytes) const {
 }
 
 void StoreFile::LogFailure(const char* what) {
-    m_log.Write(LogLevel::Warning, "%s %s", m_path.c_str(), what);
+    m_log.Trace("[StoreFile]--%s %s", m_path.c_str(), what);
 }
 
 }  // namespace varkel

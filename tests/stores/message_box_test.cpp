@@ -165,7 +165,7 @@ TEST_F(MessageBoxTest, AsksForAMebibyteBeforeItAppends) {
 }
 
 TEST_F(MessageBoxTest, NeverWritesOverWhatItCannotRead) {
-    log.Open("log", 10'000, LogLevel::Warning);
+    log.Open("log", 10'000, LogLevel::Trace);
     files.WriteWhole(inbox, BytesOf(Messages(1, 2)));
     const auto shown = boxes.inbox.FindSmsRecord();
     files.refuseToRead = true;
@@ -178,7 +178,9 @@ TEST_F(MessageBoxTest, NeverWritesOverWhatItCannotRead) {
     files.refuseToWrite = true;
     EXPECT_EQ(boxes.inbox.Append(Message(3)), StoreResult::WriteFailed);
     const std::string lines = files.Content("log.ini");
-    EXPECT_NE(lines.find("InboxMs.msm cannot be read\n"), std::string::npos) << lines;
+    EXPECT_NE(lines.find("[StoreFile]--NandFlash\\System\\Phone\\InboxMs.msm cannot be read\n"),
+              std::string::npos)
+        << lines;
     EXPECT_NE(lines.find("InboxMs.msm cannot be written\n"), std::string::npos) << lines;
 }
 
