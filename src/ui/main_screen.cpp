@@ -39,7 +39,6 @@ constexpr int callCellCount = 4;
 constexpr int messageCell = 1;
 constexpr int settingsCell = 2;
 constexpr int callRecordsCell = 3;
-constexpr int redialCell = 5;
 
 constexpr std::string_view directory = "\\ResidentFlash2\\bin\\Gprs\\MainInterface\\";
 constexpr std::string_view exitPressed = "\\ResidentFlash2\\bin\\Gprs\\Other\\ExitSel";
@@ -179,7 +178,6 @@ void MainScreen::Press(int index) {
     const Cell& cell = CellAt(index);
     Invalidate(cell.place);
     if (Mode() == ScreenMode::InCall) return;
-    if (index == redialCell) m_context.session.State().m_bAudioDelay = true;
     m_context.session.GetSpeech().Announce(LoadText(cell.caption));
 }
 
