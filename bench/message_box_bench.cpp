@@ -38,7 +38,7 @@ struct FullBox : Place {
     FullBox() {
         syncing = false;
         for (std::size_t i = 0; i < SmsBoxCapacity; ++i)
-            (void)box.Append(Message(static_cast<int>(i)));
+            (void)box.WriteSmsRecord(Message(static_cast<int>(i)));
         syncing = true;
     }
     VirtualRuntime runtime{1};
@@ -59,7 +59,8 @@ void Append(benchmark::State& state) {
     syncing = synced;
     int number = 1000;
     for (auto _ : state) {
-        if (full.box.Append(Message(number++)) != StoreResult::Done) state.SkipWithError("not appended");
+        if (full.box.WriteSmsRecord(Message(number++)) != StoreResult::Done)
+            state.SkipWithError("not appended");
     }
     syncing = true;
 }
@@ -76,7 +77,7 @@ void MarkRead(benchmark::State& state) {
             syncing = false;
             (void)full.box.DeleteAll();
             for (std::size_t i = 0; i < SmsBoxCapacity; ++i)
-                (void)full.box.Append(Message(static_cast<int>(i)));
+                (void)full.box.WriteSmsRecord(Message(static_cast<int>(i)));
             syncing = synced;
             row = 0;
             state.ResumeTiming();

@@ -90,7 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             SmsRecord record;
             std::memcpy(&record, text.data(), recordBytes);
             bench.files.freeBytes = what < 16 ? 0 : 1 << 20;
-            result = bench.box.Append(record);
+            result = bench.box.WriteSmsRecord(record);
             assert(result == (what < 16 ? StoreResult::VolumeFull : StoreResult::Done));
             expected += text;
         } else {

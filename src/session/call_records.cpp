@@ -14,7 +14,7 @@ CallRecord CallControl::RecordOf(std::string_view number, std::string_view name)
 }
 
 bool CallControl::Append(CallList& list, const CallRecord& record) {
-    const StoreResult result = list.Append(record);
+    const StoreResult result = list.WriteCallRecord(record);
     if (result == StoreResult::VolumeFull) m_session.screens.Warn(WarnCode::NandFull);
     m_session.screens.Repaint();
     return result == StoreResult::Done;

@@ -50,7 +50,7 @@ void MessageEditing::SaveDraft(std::string_view number, std::string_view text) {
     const SmsRecord draft =
         MakeSmsRecord(time, fits ? narrowNumber : "",
                       NarrowFromUtf8(page, text, sizeof(SmsRecord::szContent) - 1), SmsState::Opened);
-    Change([this, draft] { return m_boxes.drafts.Append(draft); });
+    Change([this, draft] { return m_boxes.drafts.WriteSmsRecord(draft); });
 }
 
 bool MessageEditing::Send(std::string_view number, std::string_view text) {

@@ -190,7 +190,7 @@ MessageReceiving::Reading MessageReceiving::Keep(SimSlot slot, std::string_view 
         ++m_session.state.m_nNewMessages;
         m_toAnnounce = std::min(m_toAnnounce + 1, mostAnnouncements);
     }
-    const StoreResult result = m_inbox.Append(record);
+    const StoreResult result = m_inbox.WriteSmsRecord(record);
     if (result == StoreResult::VolumeFull) m_session.screens.Warn(WarnCode::NandFull);
     m_session.screens.Repaint();
     m_announcedUnkept[index] = result != StoreResult::Done;

@@ -115,8 +115,8 @@ bool MessageSending::Queue(const Waiting& message) {
 
 void MessageSending::Record(const SmsPduRecord& message) {
     const SmsTime time = SmsTimeFromLocal(m_session.platform.runtime.GetLocalTime());
-    const StoreResult result =
-        m_outbox.Append(MakeSmsRecord(time, message.TPA.View(), message.TP_UD.View(), SmsState::Opened));
+    const StoreResult result = m_outbox.WriteSmsRecord(
+        MakeSmsRecord(time, message.TPA.View(), message.TP_UD.View(), SmsState::Opened));
     if (result == StoreResult::VolumeFull) m_session.screens.Warn(WarnCode::NandFull);
     m_session.screens.Repaint();
 }

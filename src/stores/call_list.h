@@ -25,8 +25,9 @@ class CallList {
     // All records, the oldest first; AtRow() is the order of the screens. None when the file cannot be read.
     List FindCallRecord() { return m_file.Load(); }
 
-    // Needs 1 MiB of free space, or is VolumeFull. Calls with the same number are records of their own.
-    [[nodiscard]] StoreResult Append(const CallRecord& record) {
+    // Adds the newest one. Needs 1 MiB of free space, or is VolumeFull. Calls with the same number are
+    // records of their own.
+    [[nodiscard]] StoreResult WriteCallRecord(const CallRecord& record) {
         return m_file.Append(record, SpaceGuard::On);
     }
 

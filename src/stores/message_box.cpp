@@ -26,7 +26,7 @@ std::size_t MessageBox::UnreadCount() {
         list.begin(), list.end(), [](const SmsRecord& record) { return record.Index == SmsState::Unread; }));
 }
 
-StoreResult MessageBox::Append(const SmsRecord& record) {
+StoreResult MessageBox::WriteSmsRecord(const SmsRecord& record) {
     return m_file.Append(record, SpaceGuard::On);
 }
 

@@ -29,8 +29,8 @@ class MessageBox {
     std::size_t Count() { return FindSmsRecord().size(); }
     std::size_t UnreadCount();
 
-    // Needs 1 MiB of free space, or is VolumeFull.
-    [[nodiscard]] StoreResult Append(const SmsRecord& record);
+    // Adds the newest one. Needs 1 MiB of free space, or is VolumeFull.
+    [[nodiscard]] StoreResult WriteSmsRecord(const SmsRecord& record);
 
     // Row 0 of the list `shown` is its newest record. These work on a full volume. NotFound when the record
     // has left the box since; that it was marked read meanwhile makes it no other.

@@ -22,14 +22,14 @@ struct OtherStores : testing::Test {
 TEST_F(OtherStores, ACallIsItsFieldsInARow) {
     const std::string number(45, '7');
     const CallRecord record = MakeCallRecord({2009, 3, 7, 8, 5, 9}, std::string(40, 'n'), number);
-    EXPECT_EQ(calls.dialled.Append(record), StoreResult::Done);
+    EXPECT_EQ(calls.dialled.WriteCallRecord(record), StoreResult::Done);
     EXPECT_EQ(files.Content(dialled),
               std::string("2009-03-07\00008:05:09\0", 20) + std::string(40, 'n') + std::string(40, '7'));
     EXPECT_EQ(calls.dialled.NewestNumber(), number.substr(0, 40)) << "no NUL behind it";
     EXPECT_EQ(MakeCallRecord({-2147483647, -9999999, 3, 4, 5, 1000000000}, "", "").date.View().size(), 10u);
 
-    EXPECT_EQ(calls.received.Append(Call(1)), StoreResult::Done);
-    EXPECT_EQ(calls.missed.Append(Call(2)), StoreResult::Done);
+    EXPECT_EQ(calls.received.WriteCallRecord(Call(1)), StoreResult::Done);
+    EXPECT_EQ(calls.missed.WriteCallRecord(Call(2)), StoreResult::Done);
     EXPECT_EQ(files.Content("NandFlash\\System\\Phone\\receivecall.msm"), BytesOf(std::vector{Call(1)}));
     EXPECT_EQ(files.Content("NandFlash\\System\\Phone\\missedcall.msm"), BytesOf(std::vector{Call(2)}));
 }
@@ -37,12 +37,12 @@ TEST_F(OtherStores, ACallIsItsFieldsInARow) {
 TEST_F(OtherStores, EveryCallIsKeptUntilItIsDeleted) {
     EXPECT_EQ(calls.dialled.NewestNumber(), "");
     for (int i = 0; i < 600; ++i)
-        ASSERT_EQ(calls.dialled.Append(Call(i / 3)), StoreResult::Done);
+        ASSERT_EQ(calls.dialled.WriteCallRecord(Call(i / 3)), StoreResult::Done);
     files.WriteWhole(dialled, files.Content(dialled) + std::string(99, 't'));
     const auto shown = calls.dialled.FindCallRecord();
     ASSERT_EQ(shown.size(), 600u) << "a tail is no record";
     files.freeBytes = (1 << 20) - 1;
-    EXPECT_EQ(calls.dialled.Append(Call(1)), StoreResult::VolumeFull);
+    EXPECT_EQ(calls.dialled.WriteCallRecord(Call(1)), StoreResult::VolumeFull);
     EXPECT_EQ(calls.dialled.Delete(shown, 0), StoreResult::Done);
     EXPECT_EQ(calls.dialled.Delete(shown, 1), StoreResult::Done) << "the other two look the same";
     EXPECT_EQ(calls.dialled.NewestNumber(), "13800138199");

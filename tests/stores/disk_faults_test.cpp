@@ -25,7 +25,7 @@ std::vector<Operation> Operations() {
     marked[7].Index = SmsState::Opened;
     using List = MessageBox::List;
     return {
-        {"append", [](MessageBox& box, const List&) { return box.Append(Message(11)); }, appended},
+        {"append", [](MessageBox& box, const List&) { return box.WriteSmsRecord(Message(11)); }, appended},
         {"delete", [](MessageBox& box, const List& shown) { return box.Delete(shown, 2); }, deleted},
         {"mark read", [](MessageBox& box, const List& shown) { return box.MarkRead(shown, 2); }, marked},
         {"delete all", [](MessageBox& box, const List&) { return box.DeleteAll(); }, {}},
@@ -60,7 +60,7 @@ class DiskFaults : public testing::Test {
             EXPECT_TRUE(content.contains(left) || left.ends_with('~')) << left;
         MessageBox::List list = box.FindSmsRecord();
         list.push_back(Message(12));
-        EXPECT_EQ(box.Append(Message(12)), StoreResult::Done) << "the next one works";
+        EXPECT_EQ(box.WriteSmsRecord(Message(12)), StoreResult::Done) << "the next one works";
         EXPECT_EQ(BytesOf(box.FindSmsRecord()), BytesOf(list));
         return calls >= fault.first;
     }
@@ -112,7 +112,7 @@ TEST_F(DiskFaults, LeaveTheOtherListsAsTheyWereOrAsMeant) {
         std::function<StoreResult()> run;
         std::string after;
     } changes[] = {
-        {"missedcall.msm", [&] { return disk.calls.missed.Append(Call(4)); },
+        {"missedcall.msm", [&] { return disk.calls.missed.WriteCallRecord(Call(4)); },
          BytesOf(std::vector{Call(1), Call(2), Call(3), Call(4)})},
         {"missedcall.msm", [&] { return disk.calls.missed.Delete(calls, 0); },
          BytesOf(std::vector{Call(1), Call(2)})},
@@ -185,7 +185,7 @@ TEST_F(DiskFaults, OnReadingGiveTheListOrNone) {
 TEST_F(DiskFaults, WithoutAnyRoomOnlyAppendingFails) {
     for (const Operation& operation : Operations()) {
         disk.Put({{"InboxMs.msm", BytesOf(before)}});
-        EXPECT_EQ(box.Append(Message(12)), StoreResult::Done) << "makes the reserve";
+        EXPECT_EQ(box.WriteSmsRecord(Message(12)), StoreResult::Done) << "makes the reserve";
         EXPECT_EQ(box.Delete(box.FindSmsRecord(), 0), StoreResult::Done);
         DiskDouble faults(disk.directory);
         faults.SetRoom(0);

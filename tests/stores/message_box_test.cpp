@@ -29,7 +29,7 @@ class MessageBoxTest : public testing::Test {
 
 TEST_F(MessageBoxTest, ARecordIsItsFieldsInARow) {
     const SmsRecord record = MakeSmsRecord(SmsTime("2009-03-07 18:05"), "12345", "Hello", SmsState::Unread);
-    EXPECT_EQ(boxes.inbox.Append(record), StoreResult::Done);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(record), StoreResult::Done);
     const std::string bytes = files.Content(inbox);
     ASSERT_EQ(bytes.size(), 194u);
     EXPECT_EQ(bytes.substr(0, 21), "2009-03-07 18:0512345") << "no NUL behind the time";
@@ -52,9 +52,9 @@ TEST_F(MessageBoxTest, ARecordIsItsFieldsInARow) {
 }
 
 TEST_F(MessageBoxTest, EachBoxIsAFileOfItsOwn) {
-    EXPECT_EQ(boxes.inbox.Append(Message(1)), StoreResult::Done);
-    EXPECT_EQ(boxes.outbox.Append(Message(2)), StoreResult::Done);
-    EXPECT_EQ(boxes.drafts.Append(Message(3)), StoreResult::Done);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(1)), StoreResult::Done);
+    EXPECT_EQ(boxes.outbox.WriteSmsRecord(Message(2)), StoreResult::Done);
+    EXPECT_EQ(boxes.drafts.WriteSmsRecord(Message(3)), StoreResult::Done);
     EXPECT_EQ(files.Content(inbox), BytesOf({Message(1)}));
     EXPECT_EQ(files.Content("NandFlash\\System\\Phone\\OutboxMs.msm"), BytesOf({Message(2)}));
     EXPECT_EQ(files.Content("NandFlash\\System\\Phone\\DraftsMs.msm"), BytesOf({Message(3)}));
@@ -74,7 +74,7 @@ TEST_F(MessageBoxTest, TimeIsSixteenCharacters) {
 
 TEST_F(MessageBoxTest, KeepsTheNewest150) {
     files.WriteWhole(inbox, BytesOf(Messages(1, 150)));
-    EXPECT_EQ(boxes.inbox.Append(Message(151)), StoreResult::Done);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(151)), StoreResult::Done);
     EXPECT_EQ(files.Content(inbox), BytesOf(Messages(2, 151)));
     files.WriteWhole(inbox, BytesOf(Messages(1, 160)));
     const auto list = boxes.inbox.FindSmsRecord();
@@ -101,7 +101,7 @@ TEST_F(MessageBoxTest, DeletesTheRowThatWasSeen) {
     EXPECT_EQ(boxes.inbox.Delete(shown, 0), StoreResult::Done);
     EXPECT_EQ(Numbers(), (std::vector{1, 2}));
     // The list on the screen grows old: messages arrive, one is read, others are deleted.
-    EXPECT_EQ(boxes.inbox.Append(Message(4)), StoreResult::Done);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(4)), StoreResult::Done);
     EXPECT_EQ(boxes.inbox.MarkRead(boxes.inbox.FindSmsRecord(), 1), StoreResult::Done);
     EXPECT_EQ(boxes.inbox.Delete(shown, 0), StoreResult::NotFound) << "it is gone, and no other one for it";
     EXPECT_EQ(boxes.inbox.Delete(shown, 1), StoreResult::Done) << "marked read since";
@@ -130,8 +130,8 @@ TEST_F(MessageBoxTest, OfMessagesThatLookAlikeTheOneNearestToItsPlaceIsMeant) {
 }
 
 TEST_F(MessageBoxTest, OnlyAnUnreadMessageOfTheInboxIsMarked) {
-    EXPECT_EQ(boxes.inbox.Append(Message(1)), StoreResult::Done);
-    EXPECT_EQ(boxes.inbox.Append(Message(2)), StoreResult::Done);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(1)), StoreResult::Done);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(2)), StoreResult::Done);
     EXPECT_EQ(boxes.inbox.UnreadCount(), 2u);
     const auto shown = boxes.inbox.FindSmsRecord();
     EXPECT_EQ(boxes.inbox.MarkRead(shown, 0), StoreResult::Done);
@@ -139,7 +139,7 @@ TEST_F(MessageBoxTest, OnlyAnUnreadMessageOfTheInboxIsMarked) {
     const int writes = files.writes;
     EXPECT_EQ(boxes.inbox.MarkRead(shown, 0), StoreResult::Done) << "read already";
     EXPECT_EQ(files.writes, writes) << "so nothing is written";
-    EXPECT_EQ(boxes.drafts.Append(Message(3)), StoreResult::Done);
+    EXPECT_EQ(boxes.drafts.WriteSmsRecord(Message(3)), StoreResult::Done);
     EXPECT_EQ(boxes.drafts.MarkRead(boxes.drafts.FindSmsRecord(), 0), StoreResult::Done);
     EXPECT_EQ(boxes.drafts.UnreadCount(), 1u);
 }
@@ -156,7 +156,7 @@ TEST_F(MessageBoxTest, AsksForAMebibyteBeforeItAppends) {
         files.freeBytes = 1 << 20;
         files.WriteWhole(inbox, BytesOf(Messages(1, 2)));
         files.freeBytes = freeBytes;
-        EXPECT_EQ(boxes.inbox.Append(Message(3)), result) << freeBytes;
+        EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(3)), result) << freeBytes;
         EXPECT_EQ(Numbers().size(), result == StoreResult::Done ? 3u : 2u) << freeBytes;
         EXPECT_EQ(boxes.inbox.MarkRead(boxes.inbox.FindSmsRecord(), 0), StoreResult::Done);
         EXPECT_EQ(boxes.inbox.Delete(boxes.inbox.FindSmsRecord(), 0), StoreResult::Done);
@@ -170,13 +170,13 @@ TEST_F(MessageBoxTest, NeverWritesOverWhatItCannotRead) {
     const auto shown = boxes.inbox.FindSmsRecord();
     files.refuseToRead = true;
     EXPECT_EQ(boxes.inbox.FindSmsRecord().size(), 0u);
-    EXPECT_EQ(boxes.inbox.Append(Message(3)), StoreResult::Unreadable);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(3)), StoreResult::Unreadable);
     EXPECT_EQ(boxes.inbox.Delete(shown, 0), StoreResult::Unreadable);
     EXPECT_EQ(boxes.inbox.DeleteAll(), StoreResult::Unreadable);
     files.refuseToRead = false;
     EXPECT_EQ(Numbers(), (std::vector{1, 2}));
     files.refuseToWrite = true;
-    EXPECT_EQ(boxes.inbox.Append(Message(3)), StoreResult::WriteFailed);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(3)), StoreResult::WriteFailed);
     const std::string lines = files.Content("log.ini");
     EXPECT_NE(lines.find("[StoreFile]--NandFlash\\System\\Phone\\InboxMs.msm cannot be read\n"),
               std::string::npos)
@@ -190,9 +190,9 @@ TEST_F(MessageBoxTest, SetsAsideAFileThatIsFarTooLarge) {
     EXPECT_EQ(boxes.inbox.Count(), 0u);
     EXPECT_EQ(files.Content(inbox).size(), large.size()) << "looking at it changes nothing";
     files.refuseToWrite = true;
-    EXPECT_EQ(boxes.inbox.Append(Message(1)), StoreResult::Unreadable);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(1)), StoreResult::Unreadable);
     files.refuseToWrite = false;
-    EXPECT_EQ(boxes.inbox.Append(Message(1)), StoreResult::Done);
+    EXPECT_EQ(boxes.inbox.WriteSmsRecord(Message(1)), StoreResult::Done);
     EXPECT_EQ(Numbers(), std::vector{1});
     EXPECT_EQ(files.Content(inbox + ".old"), large);
 }
@@ -202,7 +202,7 @@ TEST(MessageBoxOnDisk, MakesItsDirectories) {
     std::filesystem::remove_all(disk.scratch / "flash/NandFlash");
     EXPECT_EQ(disk.boxes.inbox.Count(), 0u);
     EXPECT_EQ(disk.boxes.inbox.DeleteAll(), StoreResult::Done) << "nothing to delete";
-    EXPECT_EQ(disk.boxes.inbox.Append(Message(1)), StoreResult::Done);
+    EXPECT_EQ(disk.boxes.inbox.WriteSmsRecord(Message(1)), StoreResult::Done);
     EXPECT_EQ(FileContent(disk.directory + "/InboxMs.msm"), BytesOf({Message(1)}));
 }
 

@@ -33,7 +33,7 @@ Update UpdateBox(MessageBoxes& boxes, std::mt19937_64& random, int number) {
             list.push_back(Message(number));
             if (list.size() > SmsBoxCapacity) list.erase(list.begin());
             update.expected = BytesOf(list);
-            update.result = box.Append(Message(number));
+            update.result = box.WriteSmsRecord(Message(number));
             break;
         case 1:
             update.name = "delete";
@@ -59,7 +59,7 @@ Update UpdateCalls(CallList& calls, std::mt19937_64& random, int number) {
     CallList::List list = calls.FindCallRecord();
     Update update{"dialcall.msm", "append", "", StoreResult::Done};
     if (list.empty() || random() % 2 == 0) {
-        update.result = calls.Append(Call(number));
+        update.result = calls.WriteCallRecord(Call(number));
         list.push_back(Call(number));
     } else {
         const std::size_t row = random() % list.size();

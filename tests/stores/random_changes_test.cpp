@@ -44,10 +44,10 @@ class Model {
     void Append() {
         const SmsRecord message = Message(m_next++);
         if (m_files.freeBytes < 1 << 20)
-            return Expect(m_box.Append(message), StoreResult::VolumeFull, m_list);
+            return Expect(m_box.WriteSmsRecord(message), StoreResult::VolumeFull, m_list);
         MessageBox::List expected = m_list;
         expected.push_back(message);
-        Expect(m_box.Append(message), StoreResult::Done, std::move(expected));
+        Expect(m_box.WriteSmsRecord(message), StoreResult::Done, std::move(expected));
     }
 
     // No two messages are alike here, so that the number tells them apart.

@@ -29,7 +29,7 @@ TEST(SharedBox, LosesNothingBetweenItsThreads) {
     for (int writer = 0; writer < 2; ++writer) {
         threads.emplace_back([&, writer] {
             for (int i = 0; i < messagesPerThread; ++i)
-                EXPECT_EQ(box.Append(Message(1000 * writer + i)), StoreResult::Done);
+                EXPECT_EQ(box.WriteSmsRecord(Message(1000 * writer + i)), StoreResult::Done);
             --running;
         });
     }

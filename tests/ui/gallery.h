@@ -41,11 +41,12 @@ struct Gallery : ScreenBench {
         dialog->Phones().Add(PhoneBookKind::Local, {"Юрий 王", {"+8613912345678", "", "", ""}},
                              [](PhoneBookResult) {});
         MessageBox& inbox = dialog->Messages().Boxes().inbox;
-        (void)inbox.Append(message);
-        (void)inbox.Append(MakeSmsRecord(SmsTime("2009-03-08 07:30"), "10010",
-                                         NarrowFromUtf8(codePage, "Счёт: 12.50. 余额"), SmsState::Unread));
+        (void)inbox.WriteSmsRecord(message);
+        (void)inbox.WriteSmsRecord(MakeSmsRecord(SmsTime("2009-03-08 07:30"), "10010",
+                                                 NarrowFromUtf8(codePage, "Счёт: 12.50. 余额"),
+                                                 SmsState::Unread));
         for (const char* number : {"13800138000", "10010"})
-            (void)dialog->Calls().Lists().missed.Append(
+            (void)dialog->Calls().Lists().missed.WriteCallRecord(
                 MakeCallRecord({2009, 3, 7, 18, 5, 0}, number, number));
         RunFor(3000);
     }

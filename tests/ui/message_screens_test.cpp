@@ -34,7 +34,7 @@ struct MessageScreens : testing::Test {
     MessageBoxes& Boxes() { return bench.dialog->Messages().Boxes(); }
     void Put(MessageBox& box, std::initializer_list<SmsRecord> records) {
         for (const SmsRecord& record : records)
-            ASSERT_EQ(box.Append(record), StoreResult::Done);
+            ASSERT_EQ(box.WriteSmsRecord(record), StoreResult::Done);
     }
     // The texts, oldest first.
     static std::string Contents(MessageBox& box) {

@@ -38,7 +38,7 @@ struct PhoneScreens : Test {
     }
     void Put(CallList& list, std::initializer_list<std::string_view> numbers) {
         for (const std::string_view number : numbers)
-            ASSERT_EQ(list.Append(Call("", number)), StoreResult::Done);
+            ASSERT_EQ(list.WriteCallRecord(Call("", number)), StoreResult::Done);
     }
     // "name number " of each, oldest first.
     static std::string Shown(CallList& list) {
@@ -105,8 +105,8 @@ TEST_F(CallRecordsScreen, ShowsOneListAndOnlyItsDeleteButton) {
 
 TEST_F(CallRecordsScreen, CallsBackUnderTheNameOfTheRecordUnlessTheSupplyIsLow) {
     OpenModule();
-    ASSERT_EQ(Lists().missed.Append(Call("Bob", "10010")), StoreResult::Done);
-    ASSERT_EQ(Lists().missed.Append(Call("", "")), StoreResult::Done);
+    ASSERT_EQ(Lists().missed.WriteCallRecord(Call("Bob", "10010")), StoreResult::Done);
+    ASSERT_EQ(Lists().missed.WriteCallRecord(Call("", "")), StoreResult::Done);
     Open();
     bench.Play({bench.Tap(firstButton)});
     EXPECT_EQ(Dialled() + bench.screens.Count("warn 5"), 0) << "a call without a number";
