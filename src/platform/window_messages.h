@@ -16,6 +16,8 @@ enum class WindowHandle : std::uint32_t { None = 0, Broadcast = 0xFFFF };
 
 // Below 0xC000 the fixed numbers (WM_USER + n); from there on those that RegisterWindowMessage gives.
 using MessageId = std::uint32_t;
+inline constexpr MessageId WM_KEYDOWN = 0x0100;
+inline constexpr MessageId WM_SYSKEYDOWN = 0x0104;
 inline constexpr MessageId WM_USER = 0x0400;
 inline constexpr MessageId firstRegisteredMessage = 0xC000;
 

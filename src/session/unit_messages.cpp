@@ -33,6 +33,10 @@ UnitMessages::UnitMessages(Session& session, CVarkelDlg& dialog)
       }} {}
 
 void UnitMessages::OnMessage(const WindowMessage& message) {
+    if (message.id == WM_KEYDOWN || message.id == WM_SYSKEYDOWN) {
+        OnKey(static_cast<int>(message.wParam));
+        return;
+    }
     for (const Entry& entry : m_handlers) {
         // A name that could not be registered has the number 0.
         if (entry.id == message.id && entry.id != 0) return (this->*entry.handle)(message);

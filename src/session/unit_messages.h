@@ -14,6 +14,7 @@ class UnitMessages {
   public:
     UnitMessages(Session& session, CVarkelDlg& dialog);
 
+    // Registered messages, and the unit's keys when another program posts them.
     void OnMessage(const WindowMessage& message);
     // A key that went down, seen before any screen sees it; true when it is one of the unit's own.
     bool OnKey(int code);

@@ -121,7 +121,8 @@ TEST(Sleep, LeavesTheModuleAsItWas) {
         Post(bench, "UM_3G_SIMCARDDETACH");
         bench.RunFor(6000);
         EXPECT_EQ(bench.dialog->State().m_bModuleOpen, !closing) << when;
-        bench.dialog->OnKey(0xEE);
+        bench.windows.PostMessage(bench.dialog->Window(),
+                                  {when % 1000 == 0 ? WM_KEYDOWN : WM_SYSKEYDOWN, 0xEE, 0});
         bench.RunFor(90'000);
         EXPECT_TRUE(Open(bench)) << when;
         EXPECT_EQ(bench.unit.Count("Set3GPower 1"), open || closing ? 2 : 1) << when;
