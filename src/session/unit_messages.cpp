@@ -89,7 +89,7 @@ void UnitMessages::OnLanguageChange(const WindowMessage&) {
 }
 
 void UnitMessages::OnNeedCloseUsbHost(const WindowMessage&) {
-    if (m_session.state.m_bModuleOpen) m_dialog.CloseModule();
+    m_dialog.CloseModule();
 }
 
 void UnitMessages::Sleep() {

@@ -150,6 +150,11 @@ void CVarkelDlg::OpenModule(bool withData) {
     m_module.RequestOpen(withData);
 }
 
+void CVarkelDlg::CloseModule() {
+    m_state.m_bOpenPending = false;
+    m_module.RequestClose();
+}
+
 void CVarkelDlg::CarryOut(const ChangeRequests& requests) {
     if (requests.turnOff) {
         // It hangs up, too.

@@ -37,7 +37,8 @@ class CVarkelDlg {
 
     // What the user and other programs ask for. Any thread; each returns at once.
     void OpenModule(bool withData = true);
-    void CloseModule() { m_module.RequestClose(); }
+    // Also takes back what was to be opened and has not begun.
+    void CloseModule();
     void CancelOpen() { m_module.CancelOpen(); }
     bool Opening() const { return m_module.Opening(); }
     // What the settings screen asks for: the module first, then the data link.

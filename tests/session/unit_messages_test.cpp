@@ -70,10 +70,17 @@ TEST(UnitMessagesTest, OpenAndCloseTheModule) {
     Post(bench, "Network_interface", 0, 0);
     bench.RunFor(60'000);
     EXPECT_FALSE(Open(bench)) << "not while the window is hidden";
+    Post(bench, "NEED_CLOSE_USB_HOST");
+    EXPECT_FALSE(bench.dialog->State().m_bOpenPending) << "taken back";
+    Post(bench, "Network_interface", 0, 0);
     Post(bench, "3Gwindow_SHOW");
     bench.RunFor(60'000);
     EXPECT_TRUE(Open(bench));
     EXPECT_FALSE(bench.dialog->State().m_bOpenPending);
+    for (const char* order : {"NEED_CLOSE_USB_HOST", "Network_interface", "NEED_CLOSE_USB_HOST"})
+        Post(bench, order);
+    bench.RunFor(60'000);
+    EXPECT_FALSE(bench.dialog->State().m_bModuleOpen) << "what waits to be opened is taken back as well";
 }
 
 TEST(UnitMessagesTest, CallForHelp) {
