@@ -11,10 +11,8 @@ constexpr Ticks stepSlice = 50;
 
 }  // namespace
 
-// By its title the channel and other programs find the window in which the state of a sent message is shown.
 MessageHandling::MessageHandling(Session& session, CommandTurn& turn, CallControl& calls, SignalWatch& signal)
     : m_session(session),
-      m_tipWindow(session.platform.windows.CreateWindow("MsgTipDlg", {})),
       m_boxes(session.platform.files, session.platform.log),
       m_receiving(session, turn, calls, m_boxes.inbox, m_worker),
       m_sending(session, turn, signal, m_boxes.outbox, m_worker),
@@ -23,7 +21,12 @@ MessageHandling::MessageHandling(Session& session, CommandTurn& turn, CallContro
 
 MessageHandling::~MessageHandling() {
     m_session.platform.loop.KillTimer(static_cast<TimerId>(SessionTimer::SendTip));
-    m_session.platform.windows.DestroyWindow(m_tipWindow);
+    if (m_tipWindow != WindowHandle::None) m_session.platform.windows.DestroyWindow(m_tipWindow);
+}
+
+// By its title the channel and other programs find the window in which the state of a sent message is shown.
+void MessageHandling::Start() {
+    m_tipWindow = m_session.platform.windows.CreateWindow("MsgTipDlg", {});
 }
 
 void MessageHandling::SetClientEvents(std::shared_ptr<Event> received, std::shared_ptr<Event> sent) {

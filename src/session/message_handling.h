@@ -18,6 +18,8 @@ class MessageHandling {
     MessageHandling(Session& session, CommandTurn& turn, CallControl& calls, SignalWatch& signal);
     ~MessageHandling();
 
+    // Start-up, behind the main window, which is the program's first.
+    void Start();
     // The named events by which a program for which the controller works learns of a received message and of
     // the result of a sent one.
     void SetClientEvents(std::shared_ptr<Event> received, std::shared_ptr<Event> sent);
@@ -51,7 +53,7 @@ class MessageHandling {
     void Work();
 
     Session& m_session;
-    const WindowHandle m_tipWindow;
+    WindowHandle m_tipWindow = WindowHandle::None;
     MessageBoxes m_boxes;
     MessageReceiving m_receiving;
     MessageSending m_sending;

@@ -77,6 +77,7 @@ void CVarkelDlg::OnInitDialog(std::string_view commandLine, LogLevel logLevel) {
                          [this](std::uint32_t dwData, std::span<const std::byte> data) {
                              return m_requests.OnCopyData(dwData, data);
                          }});
+    m_messages.Start();
     m_colors = m_settings.LoadColors();
     m_state.m_nDialogType = static_cast<int>(m_settings.ReadDwordOrOne(Settings::dialogTypeKey, "Gprs"));
 
