@@ -107,6 +107,7 @@ std::optional<std::uint64_t> LinuxUnitFiles::GetDiskFreeSpace(std::string_view v
     const PlacedFile place = m_root.Place(names, MissingVolume::Make);
     struct statvfs status {};
     if (!place || fstatvfs(place.directory.Get(), &status) != 0) return std::nullopt;
+    // What the file system keeps for root is no free space.
     return std::uint64_t{status.f_bavail} * status.f_frsize;
 }
 
