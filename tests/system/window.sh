@@ -5,6 +5,7 @@
 #     window.sh VARKEL-SIM VARKEL ASSETS UNIT-DIR
 set -eu
 simulator=$1 program=$2 assets=$3 unit=$4
+. "$(dirname "$0")/await.sh"
 
 # The numbers of what is touched.
 main_dial_pad=0 main_hang_up=1 # the cells of the main screen
@@ -26,25 +27,6 @@ fail() {
     [ -z "$simulated" ] || kill "$simulated"
     exit 1
 }
-
-# wait_for SECONDS WHAT COMMAND...: until the command succeeds.
-wait_for() {
-    tries=$(($1 * 20)) what=$2
-    shift 2
-    until "$@"; do
-        tries=$((tries - 1))
-        [ $tries -gt 0 ] || fail "in vain: $what"
-        sleep 0.05
-    done
-}
-
-# Looks for a text in what was printed since the last line that was waited for.
-seen=0
-printed() {
-    found=$(tail -n "+$((seen + 1))" "$unit/output" | grep -n -m 1 -F -e "$1") || return 1
-    seen=$((seen + ${found%%:*}))
-}
-await() { wait_for "$1" "\"$2\"" printed "$2"; }
 
 tell() { echo "$1" >&3; }
 
