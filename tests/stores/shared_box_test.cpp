@@ -77,7 +77,7 @@ TEST(SharedBox, BoxesOfOneDirectoryDoNotDisturbEachOther) {
     for (MessageBox* const box : {&disk.boxes.inbox, &disk.boxes.outbox, &disk.boxes.drafts}) {
         threads.emplace_back([box] {
             for (int i = 0; i < 40; ++i)
-                EXPECT_EQ(box->Append(Message(i)), StoreResult::Done);
+                EXPECT_EQ(box->WriteSmsRecord(Message(i)), StoreResult::Done);
             EXPECT_EQ(box->Delete(box->FindSmsRecord(), 0), StoreResult::Done);
         });
     }
