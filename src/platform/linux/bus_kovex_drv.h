@@ -4,6 +4,10 @@
 // org.varkel.KovexDrv; getters have one result "i", setters one argument "i".
 #pragma once
 
+#include <array>
+#include <optional>
+
+#include "platform/guarded.h"
 #include "platform/kovex_drv_api.h"
 #include "platform/linux/bus.h"
 
@@ -13,16 +17,25 @@ inline constexpr const char* kovexDrvBusName = "org.varkel.KovexDrv";
 inline constexpr const char* kovexDrvPath = "/org/varkel/KovexDrv";
 inline constexpr const char* kovexDrvInterface = "org.varkel.KovexDrv1";
 
-// An error, or no answer within `longestCall`, is a failed function.
+// An error, or no answer within `longestCall`, is a failed function. A getter whose answer is late tells its
+// last one instead, `mostLate` times in a row: a unit that is busy has not lost its modem.
 class BusKovexDrv final : public KovexDrvApi {
   public:
     explicit BusKovexDrv(Bus& bus) : m_bus(bus) {}
+
+    static constexpr int mostLate = 3;
 
   protected:
     bool Call(DrvFunction function, int& value) override;
 
   private:
+    struct Answer {
+        std::optional<int> value;
+        int lateOnes = 0;
+    };
+
     Bus& m_bus;
+    Guarded<std::array<Answer, drvTable.size()>> m_answers;  // of the getters
 };
 
 }  // namespace varkel
