@@ -110,9 +110,10 @@ void HeadlessCommands::Run(std::string_view line) {
 }
 
 void HeadlessCommands::Help() {
+    constexpr std::size_t column = 34;  // behind the longest arguments
     for (const Command& command : commands) {
         std::string line = std::string("  ") + command.name + " " + command.arguments;
-        line.resize(24, ' ');
+        line.resize(column, ' ');
         m_terminal.PrintLine(line + command.help);
     }
 }
