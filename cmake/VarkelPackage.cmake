@@ -30,7 +30,8 @@ set(CPACK_DEBIAN_VARKEL_PACKAGE_CONTROL_EXTRA
 
 set(CPACK_COMPONENT_SIMULATOR_DESCRIPTION
     "The simulated unit: a modem on a pseudo-terminal with a SIM and a network,
-callers, messages, faults and scenarios, for trying and testing without hardware.")
+callers, messages, faults and scenarios, for trying and testing without
+hardware.")
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_NAME varkel-simulator)
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_SECTION comm)
 set(CPACK_DEBIAN_SIMULATOR_PACKAGE_RECOMMENDS "varkel, dbus")
