@@ -57,22 +57,30 @@ void RobotCommands::Say(std::string_view text) {
     m_terminal.PrintLine("[robot] " + std::string(text));
 }
 
+std::vector<TouchTarget> RobotCommands::WithinReach() const {
+    std::vector<TouchTarget> targets;
+    const std::vector<Dialog*>& stack = m_desktop.Stack();
+    for (auto dialog = stack.rbegin(); dialog != stack.rend(); ++dialog) {
+        if (!(*dialog)->IsWindowVisible()) continue;
+        if ((*dialog)->TakesInput()) {
+            const std::vector<TouchTarget> own = (*dialog)->Targets();
+            targets.insert(targets.end(), own.begin(), own.end());
+        }
+        if ((*dialog)->Spec().scope == DialogScope::Everything) break;
+    }
+    return targets;
+}
+
 void RobotCommands::Tap(std::string_view id) {
     int wanted = 0;
     if (!TakeNumber(id, wanted)) {
         Say("tap what?");
         return;
     }
-    // The topmost dialog that has it: a button of its own may lie above the screen.
-    const std::vector<Dialog*>& stack = m_desktop.Stack();
-    for (auto dialog = stack.rbegin(); dialog != stack.rend(); ++dialog) {
-        if (!(*dialog)->IsWindowVisible()) continue;
-        for (const TouchTarget& target : (*dialog)->Targets()) {
-            if (target.id != wanted) continue;
-            m_robot.tap({target.rect.x + target.rect.width / 2, target.rect.y + target.rect.height / 2});
-            return;
-        }
-        if ((*dialog)->Spec().scope == DialogScope::Everything) break;
+    for (const TouchTarget& target : WithinReach()) {
+        if (target.id != wanted) continue;
+        m_robot.tap({target.rect.x + target.rect.width / 2, target.rect.y + target.rect.height / 2});
+        return;
     }
     Say("nothing with the id " + std::to_string(wanted) + " can be touched now");
 }
@@ -105,13 +113,10 @@ void RobotCommands::Key(std::string_view name) {
 }
 
 void RobotCommands::Targets() {
-    for (const Dialog* const dialog : m_desktop.Stack()) {
-        if (!dialog->TakesInput()) continue;
-        for (const TouchTarget& target : dialog->Targets()) {
-            const Rect& rect = target.rect;
-            Say(std::to_string(target.id) + " at " + std::to_string(rect.x) + ", " + std::to_string(rect.y) +
-                ", " + std::to_string(rect.width) + " x " + std::to_string(rect.height));
-        }
+    for (const TouchTarget& target : WithinReach()) {
+        const Rect& rect = target.rect;
+        Say(std::to_string(target.id) + " at " + std::to_string(rect.x) + ", " + std::to_string(rect.y) +
+            ", " + std::to_string(rect.width) + " x " + std::to_string(rect.height));
     }
 }
 

@@ -5,9 +5,11 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/display.h"
 #include "platform/terminal.h"
+#include "ui/control.h"
 #include "ui/desktop.h"
 
 namespace varkel {
@@ -34,6 +36,8 @@ class RobotCommands {
     bool Run(std::string_view line);
 
   private:
+    // From the topmost dialog down to the one that covers all others.
+    std::vector<TouchTarget> WithinReach() const;
     void Tap(std::string_view id);
     void Touch(std::string_view place);
     void Keys(std::string_view text);

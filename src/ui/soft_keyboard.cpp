@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/text.h"
 #include "ui/edit_field.h"
 
 namespace varkel {
@@ -38,6 +39,11 @@ const FunctionKey* FunctionOf(KeyAction action) {
     const auto found = std::find_if(std::begin(functionKeys), std::end(functionKeys),
                                     [action](const FunctionKey& key) { return key.action == action; });
     return found == std::end(functionKeys) ? nullptr : found;
+}
+
+int IdOf(const KeyboardKey& key) {
+    return key.action == KeyAction::Type ? static_cast<int>(Utf16FromUtf8(ChoiceOf(key, 0)).front())
+                                         : SoftKeyboard::firstFunctionId + static_cast<int>(key.action);
 }
 
 int Covered(const Rect& dock, const Rect& field) {
@@ -120,7 +126,7 @@ void SoftKeyboard::PlaceKeys() {
 std::vector<TouchTarget> SoftKeyboard::Targets() const {
     std::vector<TouchTarget> targets;
     for (const PlacedKey& key : m_keys)
-        targets.push_back({static_cast<int>(targets.size()), key.place});
+        targets.push_back({IdOf(key.key), key.place});
     return targets;
 }
 

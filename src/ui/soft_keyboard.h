@@ -23,11 +23,13 @@ class SoftKeyboard final : public Dialog {
     // "UM_UMOVESIPUP" or "UM_UMOVESIPDOWN", and then "UM_UMODIFYFOCUS".
     void SipShowIM(bool on, Dialog& owner);
 
+    // A key's id is the code of the character that it types first; the others follow behind all controls.
     std::vector<TouchTarget> Targets() const override;
     // Where that key stands now; empty when the page has no such key.
     Rect PlaceOf(std::string_view character) const;
     Rect PlaceOf(KeyAction action) const;
 
+    static constexpr int firstFunctionId = 0x10000;
     static constexpr Ticks holdTime = 500;      // until the next character of a key, or the second backspace
     static constexpr Ticks backspaceTime = 80;  // between further ones
     static constexpr int mostBackspaces = 200;  // of one touch
