@@ -30,11 +30,11 @@ void CNewMessagesDlg::ShowNewest() {
     MessageHandling& messages = m_context.session.Messages();
     const MessageBox::List inbox = messages.Boxes().inbox.FindSmsRecord();
     const SmsRecord* const newest = AtRow(inbox, 0);
-    // On a full volume it is not there yet.
-    if (!newest) return;
+    // On a full volume it is not there yet, and what has been read is no news.
+    if (!newest || newest->Index != SmsState::Unread) return;
     m_message.emplace(m_context, SmsBox::Inbox, *newest);
     m_message->SetTitle(m_message->LoadText("IDS_NOTEPROMPT"));
-    if (newest->Index == SmsState::Unread) messages.Editing().MarkRead(inbox, 0);
+    messages.Editing().MarkRead(inbox, 0);
     m_message->Show([this](DialogResult) {
         m_message.reset();
         if (m_count >= 2) ShowInbox();
