@@ -1,18 +1,19 @@
 #!/bin/sh
-# The window of the real program on a display of its own, touched by a pointer: a start with a PIN, a call that is taken,
-# one that is dialled, and a dialogue with the network. What failed leaves UNIT-DIR/output and UNIT-DIR/screen.xwd.
+# The window of the real program on a display of its own, touched by a pointer as a finger would: the stories below stand
+# in window/, one file for each. What failed leaves UNIT-DIR/output and UNIT-DIR/screen.xwd.
 #
-#     window.sh VARKEL-SIM VARKEL ASSETS UNIT-DIR
+#     window.sh VARKEL-SIM VARKEL ASSETS UNIT-DIR [STORY...]
 set -eu
 simulator=$1 program=$2 assets=$3 unit=$4
-. "$(dirname "$0")/await.sh"
+shift 4
+[ $# -gt 0 ] || set -- calls service_code write_message answer_message delete_all call_back contact network_mode module
 
-# The numbers of what is touched.
-main_dial_pad=0 main_hang_up=1 # the cells of the main screen
-pad_1=1007 pad_star=1019 pad_0=1020 pad_hash=1021 pad_dial=1022
-code_1=1059 code_2=1033 code_3=1034 code_4=1060 ok=1
-call_accept=1008
-ussd_reply=1102
+here=$(dirname "$0")
+. "$here/await.sh"
+stories=$here/window
+
+# shellcheck source-path=SCRIPTDIR source=window/names.sh
+. "$stories/names.sh"
 
 rm -rf "$unit"
 mkdir -p "$unit/glass"
@@ -28,34 +29,67 @@ fail() {
     exit 1
 }
 
+# A line for the program; one behind "!" is for the simulator.
 tell() { echo "$1" >&3; }
+# ask COMMAND TEXT...: the program's answer to a command has these texts, one after the other.
+ask() {
+    tell "$1"
+    shift
+    for text in "$@"; do await 10 "$text"; done
+}
 
 # The program says what can be touched now; the answer to the second command ends its list.
+told() { sed -n "$1"' { s/^\[robot\] //p }' "$unit/output"; }
+list_ended() { told "$asked,\$" | grep -q "has a user"; }
 find_target() {
+    asked=$(($(wc -l <"$unit/output") + 1)) id=${1%:*} which=1
+    [ "$id" = "$1" ] || which=${1#*:}
     tell targets
     tell touch
-    await 20 "this window has a user"
-    place=$(head -n "$seen" "$unit/output" | tail -n "+$((asked + 1))" |
-        sed -n "s/^\[robot\] $1 at \([0-9]*\), \([0-9]*\), \([0-9]*\) x \([0-9]*\)$/\1 \2 \3 \4/p" | tail -n 1)
-    asked=$seen
+    (wait_for 20 "the targets" list_ended) || exit 1 # its own counter
+    place=$(told "$asked,\$" | sed -n "s/^$id at \(.*\), \(.*\), \(.*\) x \(.*\)$/\1 \2 \3 \4/p" | sed -n "${which}p")
     [ -n "$place" ]
 }
-# tap ID...: a pointer on the middle of each, as soon as it takes a touch.
+pointer() { DISPLAY=$display xdotool mousemove "$@"; }
+set_middle() { x=$(($1 + $3 / 2)) y=$(($2 + $4 / 2)); }
+aim() {
+    wait_for 30 "a touch of $1" find_target "$1"
+    # shellcheck disable=SC2086 # four numbers
+    set_middle $place
+}
+# tap WHAT...: a pointer on the middle of each, as soon as it takes a touch.
 tap() {
-    for id in "$@"; do
-        asked=$seen
-        wait_for 30 "a touch of $id" find_target "$id"
-        # shellcheck disable=SC2086 # four numbers
-        set_middle $place
-        DISPLAY=$display xdotool mousemove "$x" "$y" click 1
+    for target in "$@"; do
+        aim "$target"
+        pointer "$x" "$y" click 1
     done
 }
-set_middle() { x=$(($1 + $3 / 2)) y=$(($2 + $4 / 2)); }
+tap_twice() {
+    aim "$1"
+    pointer "$x" "$y" click --repeat 2 --delay 40 1
+}
+# type_keys TEXT: on the page of the soft keyboard that is open.
+type_keys() {
+    rest=$1
+    while [ -n "$rest" ]; do
+        tap "$(printf %d "'$rest")"
+        rest=${rest#?}
+    done
+}
+
+# miss_call NUMBER CALLER: somebody gives up when the screen of his call is there.
+miss_call() {
+    tell "!call $1"
+    await 20 "$2 is calling"
+    wait_for 20 "the screen of the call" find_target "$call_accept"
+    tell "!hangup"
+    await 20 "UM_CALLHOOKED"
+}
 
 wait_for 20 "a display" test -s "$unit/display"
 display=:$(cat "$unit/display")
 mkfifo "$unit/console"
-DISPLAY=$display SDL_VIDEODRIVER=x11 "$simulator" --unit-dir "$unit" --assets "$assets" --quiet --pin 1234 -- \
+DISPLAY=$display SDL_VIDEODRIVER=x11 "$simulator" --unit-dir "$unit" --assets "$assets" --pin 1234 -- \
     "$program" --unit-file "$unit/unit.conf" <"$unit/console" >"$unit/output" 2>&1 &
 simulated=$!
 exec 3>"$unit/console"
@@ -63,26 +97,12 @@ exec 3>"$unit/console"
 await 60 "[input]"
 tap $code_1 $code_2 $code_3 $code_4 $ok
 await 120 "[data] connected"
+await 30 "the modem is open"
 
-tell "!call 13800138000"
-await 20 "13800138000 is calling"
-tap $call_accept
-await 20 "in a call"
-tap $main_hang_up
-await 20 "the modem is open"
-
-tap $main_dial_pad $pad_1 $pad_0 $pad_0 $pad_0 $pad_0 $pad_dial
-await 30 "in a call"
-tap $main_hang_up
-await 20 "the modem is open"
-
-tell "!ussd Your balance is 12.50"
-tell "!ussd-ask Press 1 for the balance"
-tap $main_dial_pad $pad_star $pad_1 $pad_0 $pad_0 $pad_hash $pad_dial
-await 30 "Press 1 for the balance"
-tap $ussd_reply $code_1 $ok
-await 30 "Your balance is 12.50"
-tap $ok
+for story in "$@"; do
+    # shellcheck source=/dev/null
+    . "$stories/$story.sh"
+done
 
 tell quit
 exec 3>&-

@@ -1,0 +1,15 @@
+# An entry is added to the phonebook; a message is written to it, and its name stands with the next call.
+tap $main_contacts $contact_new $contact_name $key_shift
+type_keys mary
+tap $contact_mobile
+type_keys 13800138003
+tap $contact_save $contact_row:1 $exit $exit
+
+tap $main_messages $message_new $key_done $write_contact $contact_row:1 $write_text
+type_keys hi
+tap $write_send
+await 30 "message to 8613800138003: \"hi\""
+await 20 "[message] sent"
+tap $exit
+
+miss_call 13800138003 Mary
