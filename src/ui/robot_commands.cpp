@@ -21,6 +21,10 @@ bool TakeNumber(std::string_view& text, int& number) {
     return true;
 }
 
+Point MiddleOf(const TouchTarget& target) {
+    return {target.rect.x + target.rect.width / 2, target.rect.y + target.rect.height / 2};
+}
+
 }  // namespace
 
 RobotCommands::RobotCommands(Desktop& desktop, Terminal& terminal, Robot robot)
@@ -63,7 +67,13 @@ std::vector<TouchTarget> RobotCommands::WithinReach() const {
     for (auto dialog = stack.rbegin(); dialog != stack.rend(); ++dialog) {
         if (!(*dialog)->IsWindowVisible()) continue;
         if ((*dialog)->TakesInput()) {
-            const std::vector<TouchTarget> own = (*dialog)->Targets();
+            const auto hidden = [above = std::vector(stack.rbegin(), dialog)](const TouchTarget& target) {
+                return std::any_of(above.begin(), above.end(), [&target](const Dialog* other) {
+                    return other->IsWindowVisible() && other->Reach().Contains(MiddleOf(target));
+                });
+            };
+            std::vector<TouchTarget> own = (*dialog)->Targets();
+            std::erase_if(own, hidden);
             targets.insert(targets.end(), own.begin(), own.end());
         }
         if ((*dialog)->Spec().scope == DialogScope::Everything) break;
@@ -79,7 +89,7 @@ void RobotCommands::Tap(std::string_view id) {
     }
     for (const TouchTarget& target : WithinReach()) {
         if (target.id != wanted) continue;
-        m_robot.tap({target.rect.x + target.rect.width / 2, target.rect.y + target.rect.height / 2});
+        m_robot.tap(MiddleOf(target));
         return;
     }
     Say("nothing with the id " + std::to_string(wanted) + " can be touched now");

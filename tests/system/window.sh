@@ -77,13 +77,19 @@ type_keys() {
     done
 }
 
-# miss_call NUMBER CALLER: somebody gives up when the screen of his call is there.
+# told_by COMMAND TEXT: the program's answer has this text by now.
+told_by() {
+    tell "$1"
+    printed "$2"
+}
+# miss_call NUMBER CALLER: somebody gives up when the screen of his call is there; the record of it is kept.
 miss_call() {
     tell "!call $1"
     await 20 "$2 is calling"
     wait_for 20 "the screen of the call" find_target "$call_accept"
     tell "!hangup"
     await 20 "UM_CALLHOOKED"
+    wait_for 20 "the record of the call" told_by "calls missed" "$2"
 }
 
 wait_for 20 "a display" test -s "$unit/display"
