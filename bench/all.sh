@@ -6,12 +6,12 @@ set -eu
 build=${1:-build/release}
 heading() { printf '\n== %s\n' "$1"; }
 
-for name in at_feed sms_pdu message_box phone_book; do
+for name in at_feed sms_pdu phone_book; do
     heading "$name"
     "$build/bench/${name}_bench" --benchmark_repetitions=9 --benchmark_report_aggregates_only=true 2>/dev/null |
         grep -v -E "_mean|_stddev|_cv"
 done
-for name in list_screens display bring_up ring; do
+for name in list_screens bring_up ring; do
     heading "$name"
     "$build/bench/${name}_bench"
 done
