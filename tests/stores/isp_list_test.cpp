@@ -53,27 +53,6 @@ TEST_F(IspListTest, AFileOf1000BytesIsOneRecord) {
     EXPECT_EQ(list[0].userName.View(), "");
 }
 
-TEST_F(IspListTest, TheFirstWhoseCodeBeginsTheImsiServes) {
-    ASSERT_EQ(isps.Add(Isp(0)), StoreResult::Done);
-    for (const char* code : {"4600", "310410", "46000123"}) {
-        ISP_Struct isp = Isp(9);
-        isp.operatorCode.Assign(code);
-        ASSERT_EQ(isps.Add(isp), StoreResult::Done);
-    }
-    const auto codeFor = [&](std::string_view imsi) {
-        const auto isp = isps.Find(imsi);
-        return isp ? std::string(isp->operatorCode.View()) : "none";
-    };
-    EXPECT_EQ(codeFor("460001234567890"), "46000123");
-    EXPECT_EQ(codeFor("460009999999999"), "4600") << "before the longer 46000, which was added earlier";
-    EXPECT_EQ(codeFor("31041"), "none");
-    EXPECT_EQ(codeFor(""), "none");
-    ISP_Struct any = Isp(5);
-    any.operatorCode.Clear();
-    ASSERT_EQ(isps.Change(Isp(0), 3, any), StoreResult::Done);
-    EXPECT_EQ(codeFor("31041"), "");
-}
-
 TEST_F(IspListTest, AFullVolumeOrFileKeepsTheOldList) {
     ASSERT_EQ(isps.Add(Isp(1)), StoreResult::Done);
     files.freeBytes = (1 << 20) - 1;
