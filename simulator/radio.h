@@ -19,7 +19,6 @@ class Radio {
     void Start(Millis searchTime, Millis now);
     void Stop(Millis now);
     void SetCoverage(bool covered, Millis now);
-    bool Covered() const { return m_covered; }
 
     Registration State() const;
     bool Registered() const { return State() == Registration::Home; }

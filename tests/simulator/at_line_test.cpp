@@ -59,20 +59,5 @@ TEST(AtLine, IsTakenApartAsTheStandardSays) {
         EXPECT_EQ(Shown(each.line), each.parsed) << each.line;
 }
 
-TEST(AtLine, TellsNumbersFromTextAndFromNothing) {
-    const auto commands = ParseAtLine("+X=5,\"5\",,-1,1234567890,12a");
-    ASSERT_TRUE(commands);
-    const AtCommand& command = commands->front();
-    EXPECT_EQ(command.Number(0), 5);
-    EXPECT_EQ(command.Number(1), std::nullopt) << "quoted";
-    EXPECT_EQ(command.Number(2), std::nullopt);
-    EXPECT_EQ(command.Number(2, 7), 7);
-    EXPECT_EQ(command.Number(3), std::nullopt) << "negative";
-    EXPECT_EQ(command.Number(4), std::nullopt) << "ten digits";
-    EXPECT_EQ(command.Number(5, 7), std::nullopt) << "no number, and not left out";
-    EXPECT_EQ(command.Number(99, 7), 7);
-    EXPECT_EQ(command.Text(99), "");
-}
-
 }  // namespace
 }  // namespace varkel::sim

@@ -1,7 +1,7 @@
 #include "tests/simulator/bench_unit.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace varkel::sim::test {
 
@@ -73,6 +73,14 @@ std::string WithBars(std::string_view bytes) {
         i += lineEnd ? 1 : 0;
     }
     return text;
+}
+
+std::vector<std::string> Lines(std::string_view bars) {
+    std::istringstream text{std::string(bars)};
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line, '|');)
+        lines.push_back(line);
+    return lines;
 }
 
 }  // namespace varkel::sim::test

@@ -38,5 +38,7 @@ class BenchUnit {
 };
 
 std::string WithBars(std::string_view bytes);
+// The lines between the bars.
+std::vector<std::string> Lines(std::string_view bars);
 
 }  // namespace varkel::sim::test

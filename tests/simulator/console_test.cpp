@@ -13,65 +13,16 @@ using test::BenchUnit;
 TEST(Console, ExplainsWhatItDoesNotUnderstand) {
     BenchUnit bench;
     bench.Start();
-    const std::string_view lines[] = {
-        "nonsense",
-        "call",
-        "call 12a",
-        "call 123456789012345678901",
-        "hangup",
-        "answer",
-        "busy",
-        "ussd-end now",
-        "sim",
-        "sim sideways",
-        "pin 12",
-        "pin 12345678901",
-        "pin abcd",
-        "puk 1234567",
-        "ask",
-        "ask pin2 1",
-        "ask pin 1234",
-        "signal 32",
-        "signal -1",
-        "signal 4x",
-        "network",
-        "module maybe",
-        "usb",
-        "vanish now",
-        "power",
-        "power 14x",
-        "power 99999999999999999999",
-        "driver fail Everything",
-        "noise 2",
-        "noise x",
-        "noise nan",
-        "split -1",
-        "split 5000",
-        "late soon",
-        "late 25h",
-        "lose",
-        "urc",
-        "raw \\q",
-        "raw \\x4",
-        "imsi 12a456",
-        "imei 1",
-        "book",
-        "book add Bob",
-        "book add \"Bob 123",
-        "book add Bob 12x",
-        "book add Bob 123 999",
-        "book add \"a name that is far too long\" 123",
-        "book size 9999",
-        "time boot soon",
-        "time breakfast 1s",
-        "start-report sometimes",
-        "no-sim-answer maybe",
-        "state please",
-        "data drop",
-        "data maybe",
-        "help nonsense",
-    };
-    for (const std::string_view line : lines) {
+    constexpr std::string_view lines =
+        "nonsense|call|call 12a|call 123456789012345678901|hangup|answer|busy|ussd-end now|sim|"
+        "sim sideways|pin 12|pin 12345678901|pin abcd|puk 1234567|ask|ask pin2 1|ask pin 1234|signal 32|"
+        "signal -1|signal 4x|network|module maybe|usb|vanish now|power|power 14x|"
+        "power 99999999999999999999|driver fail Everything|noise 2|noise x|noise nan|split -1|split 5000|"
+        "late soon|late 25h|lose|urc|raw \\q|raw \\x4|imsi 12a456|imei 1|book|book add Bob|"
+        "book add \"Bob 123|book add Bob 12x|book add Bob 123 999|"
+        "book add \"a name that is far too long\" 123|book size 9999|time boot soon|time breakfast 1s|"
+        "start-report sometimes|no-sim-answer maybe|state please|data drop|data maybe|help nonsense";
+    for (const std::string& line : test::Lines(lines)) {
         const CommandResult result = bench.unit.Command(line, bench.now);
         EXPECT_FALSE(result.well) << line;
         EXPECT_FALSE(result.text.empty()) << line;

@@ -18,21 +18,6 @@ void Converse(BenchUnit& bench, std::initializer_list<Exchanged> dialogue) {
         EXPECT_EQ(bench.Ask(each.ask), each.answer) << each.ask;
 }
 
-TEST(Dialogue, BeginsWithTheEchoOfEveryByte) {
-    BenchUnit bench;
-    bench.Driver(DrvFunction::Set3GPower, 1);
-    bench.Pass(10'000);
-    Converse(bench, {
-                        {"AT+CSQ", "AT+CSQ\r|+CSQ: 18,99||OK|"},
-                        {"AT+CIMI", "AT+CIMI\r|460001234567890||OK|"},
-                        {"AT+GSN", "AT+GSN\r|867959030000017||OK|"},
-                        {"ATE0", "ATE0\r|OK|"},
-                        {"AT+CIMI", "|460001234567890||OK|"},
-                        {"ATE1", "|OK|"},
-                        {"AT", "AT\r|OK|"},
-                    });
-}
-
 TEST(Dialogue, EchoesAtOnceAndAnswersAfterTheReplyTime) {
     BenchUnit bench;
     bench.Start();
@@ -53,35 +38,6 @@ TEST(Dialogue, CarriesQueuedLinesOutOneAfterTheOther) {
     bench.unit.HostWrites("S?\rAT+CSQ\r", bench.now);
     EXPECT_EQ(bench.Pass(500),
               "AT+CSCS=\"UCS2\"\r|OK|AT+CSCS?\r|+CSCS: \"UCS2\"||OK|AT+CSQ\r|+CSQ: 18,99||OK|");
-}
-
-TEST(Dialogue, AnswersTheInitialisationSequence) {
-    BenchUnit bench;
-    bench.Start();
-    Converse(bench, {
-                        {"AT+URCIND=1", "|OK||+URCIND:5|"},
-                        {"AT+MODODR=2", "|OK|"},
-                        {"AT+IPR=115200", "|OK|"},
-                        {"AT+CPIN?", "|+CPIN: READY||OK|"},
-                        {"AT+CSCS=\"GSM\"", "|OK|"},
-                        {"AT+CSCA?", "|+CSCA: \"+8613800100500\",145||OK|"},
-                        {"AT+CPMS=\"SM\",\"SM\",\"SM\"", "|+CPMS: 0,20,0,20,0,20||OK|"},
-                        {"AT+CMGF=0", "|OK|"},
-                        {"AT+CNMI=2,1", "|OK|"},
-                        {"AT+CLIP=1", "|OK|"},
-                        {"AT+SIDET=0", "|OK|"},
-                        {"AT+ECHO=8,512", "|OK|"},
-                        {"AT+ECHO=28,13000", "|OK|"},
-                        {"AT+CSCS=\"UCS2\"", "|OK|"},
-                        {"AT+CPBS = \"SM\"", "|OK|"},
-                        {"AT+CPBW=?", "|+CPBW: (1-250),20,(129,145),20||OK|"},
-                        {"AT+CPBS?", "|+CPBS: \"SM\",0,250||OK|"},
-                        {"AT+CGDCONT=1,\"IP\",\"cmnet\"", "|OK|"},
-                        {"AT+CGDCONT?", "|+CGDCONT: 1,\"IP\",\"cmnet\",\"\",0,0||OK|"},
-                        {"AT+CREG?", "|+CREG: 0,1||OK|"},
-                        {"ATI", "|Varkel|Simulated unit|Revision: 1||OK|"},
-                        {"ATE0V1+CSQ;+CLVL?", "|+CSQ: 18,99||+CLVL: 3||OK|"},
-                    });
 }
 
 TEST(Dialogue, RefusesWhatItDoesNotKnowOrCannotRead) {
@@ -167,31 +123,6 @@ TEST(Dialogue, KeepsThePhonebook) {
         });
 }
 
-TEST(Dialogue, OfAModuleThatKnowsOnlyTheStandard) {
-    UnitConfig config;
-    config.modem.kind = ModemKind::Standard;
-    BenchUnit bench(config);
-    bench.Do({"pin 1234"});
-    bench.Driver(DrvFunction::Set3GPower, 1);
-    EXPECT_EQ(bench.Pass(30'000), "") << "it announces nothing";
-    bench.Ask("ATE0");
-    Converse(bench, {
-                        {"AT+URCIND=1", "|ERROR|"},
-                        {"AT+MODODR=2", "|ERROR|"},
-                        {"AT+SIDET=0", "|ERROR|"},
-                        {"AT+ECHO=8,512", "|ERROR|"},
-                        {"AT+CSMINS?", "|ERROR|"},
-                        {"AT+CPIN?", "|+CPIN: SIM PIN||OK|"},
-                        {"AT+COPS=0", "|ERROR|"},
-                        {"AT+CMEE=2", "|OK|"},
-                        {"AT+CLCK=\"SC\",0,\"1234\"", "|+CME ERROR: SIM PIN required|"},
-                        {"AT+CPIN=\"1234\"", "|OK|"},
-                        {"AT+CPIN?", "|+CPIN: READY||OK|"},
-                        {"AT+COPS=0,,,2", "|OK|"},
-                        {"AT+COPS=0,,,7", "|+CME ERROR: operation not supported|"},
-                    });
-}
-
 TEST(Dialogue, FollowsTheNetwork) {
     BenchUnit bench;
     bench.Start();
@@ -207,19 +138,6 @@ TEST(Dialogue, FollowsTheNetwork) {
     bench.Do({"network on"});
     EXPECT_EQ(bench.Pass(2000), "|+CREG: 1|");
     EXPECT_EQ(bench.Ask("AT+COPS?"), "|+COPS: 0,2,\"46000\",2||OK|");
-
-    bench.Do({"signal vary"});
-    std::string values;
-    for (int i = 0; i < 20; ++i)
-        values += bench.Ask("AT+CSQ");
-    BenchUnit other;
-    other.Start();
-    other.Do({"signal 5", "signal vary"});
-    std::string again;
-    for (int i = 0; i < 20; ++i)
-        again += other.Ask("AT+CSQ");
-    EXPECT_EQ(values, again) << "chance that repeats";
-    EXPECT_NE(values.substr(0, values.size() / 2), values.substr(values.size() / 2));
 }
 
 }  // namespace

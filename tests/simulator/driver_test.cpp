@@ -7,32 +7,6 @@ namespace {
 
 using test::BenchUnit;
 
-TEST(DriverLibrary, AnswersWhatTheConsoleSets) {
-    BenchUnit bench;
-    EXPECT_EQ(bench.Driver(DrvFunction::GetCurrentPowerValue), 25);
-    EXPECT_EQ(bench.Driver(DrvFunction::GetSDCardStatus), 1);
-    EXPECT_EQ(bench.Driver(DrvFunction::Get3GSimStatus), 1);
-    bench.Do({"power 14", "card out", "sim out"});
-    EXPECT_EQ(bench.Driver(DrvFunction::GetCurrentPowerValue), 14);
-    EXPECT_EQ(bench.Driver(DrvFunction::GetSDCardStatus), 0);
-    EXPECT_EQ(bench.Driver(DrvFunction::Get3GSimStatus), 0);
-    bench.Driver(DrvFunction::SetGprsHpSpkStatus, 1);
-    EXPECT_EQ(bench.Driver(DrvFunction::GetGprsHpSpkStatus), 1);
-
-    int window = -1;
-    EXPECT_FALSE(bench.unit.Call(DrvFunction::GetMainHandle, window, bench.now)) << "there is none yet";
-    EXPECT_EQ(window, -1);
-    bench.unit.Head().mainWindow = 0x1203;
-    EXPECT_EQ(bench.Driver(DrvFunction::GetMainHandle), 0x1203);
-
-    bench.Do({"driver fail getcurrentpowervalue"});
-    int value = -1;
-    EXPECT_FALSE(bench.unit.Call(DrvFunction::GetCurrentPowerValue, value, bench.now));
-    EXPECT_EQ(value, -1);
-    bench.Do({"driver work GetCurrentPowerValue"});
-    EXPECT_EQ(bench.Driver(DrvFunction::GetCurrentPowerValue), 14);
-}
-
 TEST(DriverLibrary, CountsSuspendLocksAndNoticesOneTooFew) {
     BenchUnit bench;
     bench.Driver(DrvFunction::RequireDisableKeySuspend);

@@ -3,7 +3,6 @@
 #include <array>
 #include <gtest/gtest.h>
 
-#include "simulator/scenario.h"
 #include "tests/simulator/bench_unit.h"
 
 namespace varkel::sim {
@@ -112,22 +111,6 @@ TEST(Garbage, OnTheLineEndsWithTheNextCommand) {
         bench.unit.HostWrites("\x1B\rATE0\r", bench.now);
         bench.Pass(5000);
         EXPECT_EQ(bench.Ask("AT+CMGF?"), "|+CMGF: 0||OK|") << "round " << round;
-    }
-}
-
-TEST(Garbage, InScenariosAndConsoleIsRefused) {
-    Random random(9);
-    BenchUnit bench;
-    bench.Start();
-    for (int round = 0; round < 300; ++round) {
-        std::string text;
-        for (std::uint64_t length = random.Below(200); length > 0; --length) {
-            const std::string_view likely = "0123456789sm+ \"\\\nexpctwihnedyr";
-            text += random.Chance(0.9) ? likely[random.Below(likely.size())]
-                                       : static_cast<char>(random.Below(256));
-        }
-        static_cast<void>(ParseScenario(text));
-        static_cast<void>(bench.unit.Command(text, bench.now));
     }
 }
 

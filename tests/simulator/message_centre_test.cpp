@@ -54,15 +54,6 @@ TEST_F(MessageCentreTest, DeliversWhatTheConsoleWrites) {
     EXPECT_NE(Command("messages").find("1  read  no message: 0801"), std::string::npos);
 }
 
-TEST_F(MessageCentreTest, AnnouncesABurstWithinASecondPieceByPiece) {
-    Start();
-    bench.Do({"sms-burst 20"});
-    const auto pieces = bench.Pieces(1000);
-    ASSERT_EQ(pieces.size(), 20u);
-    for (std::size_t i = 0; i < pieces.size(); ++i)
-        EXPECT_EQ(WithBars(pieces[i]), "|+CMTI: \"SM\"," + std::to_string(i + 1) + "|");
-}
-
 TEST_F(MessageCentreTest, KeepsWhatTheSimCannotTake) {
     Start();
     bench.Do({"sms-burst 22 +4912345"});
@@ -127,48 +118,13 @@ TEST_F(MessageCentreTest, AnswersForTheOperator) {
     EXPECT_EQ(answer->text, "Баланс: 42");
 }
 
-TEST_F(MessageCentreTest, FailsAsItIsTold) {
-    Start();
-    bench.Do({"sms-fail 1", "sms-no-prompt 1"});
-    EXPECT_EQ(Send(toAb, 0), "") << "no prompt";
-    EXPECT_EQ(bench.Ask("AT"), "|OK|") << "and no entry";
-    EXPECT_EQ(Send(toAb, 2000), "|+CMS ERROR: network timeout|");
-    EXPECT_TRUE(bench.messages.empty());
-    bench.Do({"sms-no-result 1"});
-    EXPECT_EQ(Send(toAb, 60'000), "");
-    EXPECT_EQ(bench.messages.size(), 1u) << "sent nevertheless";
-    EXPECT_EQ(bench.Ask("AT"), "|OK|");
-    bench.Do({"sms-late 5s"});
-    EXPECT_EQ(Send(toAb, 6499), "");
-    EXPECT_EQ(bench.Pass(1), "|+CMGS: 2||OK|");
-    bench.Do({"sms-no-prompt 9", "calm", "prompt"});
-    EXPECT_EQ(bench.Pass(0), "|> ");
-    EXPECT_EQ(Send(toAb, 1500), "|+CMGS: 3||OK|") << "as if nothing had been";
-}
-
 TEST_F(MessageCentreTest, RefusesWhatItCannotSend) {
-    for (const std::string_view line : {"sms",
-                                        "sms 10086",
-                                        "sms 7bit 10086",
-                                        "sms 7bit 10086 Я",
-                                        "sms \"a long name for one\" x",
-                                        "sms 10086 \"open",
-                                        "sms 10086 \"one\" two",
-                                        "sms-raw",
-                                        "sms-raw 0",
-                                        "sms-raw xy",
-                                        "sms-burst",
-                                        "sms-burst 0",
-                                        "sms-burst 401",
-                                        "sms-burst 3 \"",
-                                        "messages all",
-                                        "sms-clear 1",
-                                        "sent x",
-                                        "sms-fail",
-                                        "sms-fail -1",
-                                        "sms-fail 9999",
-                                        "sms-late soon",
-                                        "prompt x"}) {
+    constexpr std::string_view lines =
+        "sms|sms 10086|sms 7bit 10086|sms 7bit 10086 Я|sms \"a long name for one\" x|sms 10086 \"open|"
+        "sms 10086 \"one\" two|sms-raw|sms-raw 0|sms-raw xy|sms-burst|sms-burst 0|sms-burst 401|"
+        "sms-burst 3 \"|messages all|sms-clear 1|sent x|sms-fail|sms-fail -1|sms-fail 9999|sms-late soon|"
+        "prompt x";
+    for (const std::string& line : test::Lines(lines)) {
         const CommandResult result = bench.unit.Command(line, bench.now);
         EXPECT_FALSE(result.well) << line;
         EXPECT_FALSE(result.text.empty()) << line;

@@ -74,31 +74,6 @@ TEST(DeliverPdu, IsBuiltOctetByOctet) {
     EXPECT_TRUE(DeliverPdus("Я", forced).empty()) << "no place in the default alphabet";
 }
 
-TEST(DeliverPdu, OfOtherMakersIsRead) {
-    const auto first = DecodeDeliver(
-        *BytesFromHex("07917283010010F5040BC87238880900F10000993092516195800AE8329BFD4697D9EC37"));
-    ASSERT_TRUE(first);
-    EXPECT_EQ(first->from.Text(), "27838890001");
-    EXPECT_EQ(first->time, "2099-03-29 15:16:59 +02:00");
-    EXPECT_EQ(first->text, "hellohello");
-    const auto second = DecodeDeliver(
-        *BytesFromHex("07911326040000F0040B911346610089F60000208062917314080CC8F71D14969741F977FD07"));
-    ASSERT_TRUE(second);
-    EXPECT_EQ(second->from.Text(), "+31641600986");
-    EXPECT_EQ(second->text, "How are you?");
-
-    const auto sent = DecodeSubmit(*BytesFromHex("0011000B916407281553F80000AA0AE8329BFD4697D9EC37"));
-    ASSERT_TRUE(sent);
-    EXPECT_EQ(sent->number, "46708251358");
-    EXPECT_EQ(sent->text, "hellohello");
-    const auto chinese =
-        DecodeSubmit(*BytesFromHex("0891683108100005F011000D91683108108300F80008000A4F60597D0020D83DDE00"));
-    ASSERT_TRUE(chinese);
-    EXPECT_EQ(chinese->number, "8613800138008");
-    EXPECT_EQ(chinese->text, "你好 😀");
-    EXPECT_TRUE(chinese->international);
-}
-
 TEST(LongText, IsSplitIntoPartsThatSayTheirPlace) {
     const DeliverOptions options = From("10086");
     EXPECT_EQ(DeliverPdus(std::string(160, 'A'), options).size(), 1u);
@@ -151,34 +126,6 @@ TEST(LongText, IsSplitIntoPartsThatSayTheirPlace) {
             EXPECT_EQ(whole, each.text) << each.name;
         }
     }
-}
-
-TEST(Pdus, ComeBackAsTheyWere) {
-    constexpr std::string_view words[] = {"a", "€", "@", "я", "你", "😀", "\n", "~", " ", "\x1B"};
-    constexpr TextCoding codings[] = {TextCoding::SevenBit, TextCoding::EightBit, TextCoding::Ucs2};
-    Random random(1);
-    int messages = 0;
-    for (int i = 0; i < 3000; ++i) {
-        std::string text;
-        for (std::uint64_t left = random.Below(300); left > 0; --left)
-            text += words[random.Below(std::size(words) - 1)];
-        DeliverOptions options = From(random.Chance(0.5) ? "+8613800138000" : "Varkel");
-        if (random.Chance(0.5)) options.coding = codings[random.Below(3)];
-        std::string whole;
-        for (const std::string& pdu : DeliverPdus(text, options)) {
-            const auto decoded = DecodeDeliver(pdu);
-            ASSERT_TRUE(decoded);
-            EXPECT_LE(pdu.size(), 9u + 1 + 12 + 2 + 7 + 1 + longestUserData);
-            EXPECT_EQ(decoded->from.Text(), options.from.Text());
-            EXPECT_EQ(decoded->time, "2021-08-03 12:30:45 +02:00");
-            whole += decoded->text;
-            ++messages;
-        }
-        if (!whole.empty()) {
-            EXPECT_EQ(whole, text);
-        }
-    }
-    EXPECT_GT(messages, 3000);
 }
 
 TEST(Pdus, ThatAreDamagedAreRefusedOrReadWithinTheirBounds) {

@@ -1,12 +1,9 @@
 // The parts of varkel-sim that touch the system.
-#include <algorithm>
 #include <array>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
@@ -18,31 +15,20 @@
 #include "simulator/program/pty.h"
 #include "simulator/program/task_queue.h"
 #include "simulator/program/unit_place.h"
+#include "tests/support/scratch.h"
 
 namespace varkel::sim {
 namespace {
 
+using varkel::test::FileMode;
+using varkel::test::OpenDescriptors;
+using varkel::test::ScratchDirectory;
+
 constexpr auto longEnough = std::chrono::seconds(20);
-
-class TemporaryDirectory {
-  public:
-    TemporaryDirectory() {
-        std::string pattern = testing::TempDir() + "sim-XXXXXX";
-        path = mkdtemp(pattern.data());
-    }
-    ~TemporaryDirectory() { std::filesystem::remove_all(path); }
-
-    std::string path;
-};
 
 bool Readable(int descriptor) {
     std::array<pollfd, 1> polled{{{descriptor, POLLIN, 0}}};
     return Poll(polled, longEnough);
-}
-
-int OpenDescriptors() {
-    const std::filesystem::directory_iterator all("/proc/self/fd");
-    return static_cast<int>(std::distance(begin(all), end(all)));
 }
 
 TEST(Lines, AreCutFromWhatArrives) {
@@ -84,9 +70,9 @@ TEST(Tasks, ComeFromOtherThreadsAndAreBounded) {
 }
 
 TEST(PtyTest, IsARawDeviceThatComesAndGoes) {
-    TemporaryDirectory directory;
-    const std::string link = directory.path + "/ttyModem";
-    const int before = OpenDescriptors();
+    ScratchDirectory directory;
+    const std::string link = directory.Path() + "/ttyModem";
+    const auto before = OpenDescriptors();
     auto pty = Pty::Open(link);
     ASSERT_TRUE(pty);
     FileDescriptor program(open(link.c_str(), O_RDWR | O_NOCTTY));
@@ -117,7 +103,7 @@ TEST(PtyTest, IsARawDeviceThatComesAndGoes) {
     EXPECT_LE(read(program.Get(), answer.data(), answer.size()), 0) << "a hang-up";
     program.Reset();
     EXPECT_EQ(OpenDescriptors(), before);
-    EXPECT_FALSE(Pty::Open(directory.path + "/no/such/place"));
+    EXPECT_FALSE(Pty::Open(directory.Path() + "/no/such/place"));
     EXPECT_EQ(OpenDescriptors(), before);
 }
 
@@ -135,7 +121,7 @@ int ExitCode(HostedProgram& program) {
 }
 
 TEST(Hosted, ReadsWhatIsTypedAndEndsWithItsCode) {
-    const int before = OpenDescriptors();
+    const auto before = OpenDescriptors();
     {
         std::string fault;
         const auto program = HostedProgram::Start({"sh", "-c", "cat; exit 5"}, fault);
@@ -195,7 +181,7 @@ TEST(Hosted, MayCloseItsInput) {
 }
 
 TEST(Hosted, SaysWhyItCannotStart) {
-    const int before = OpenDescriptors();
+    const auto before = OpenDescriptors();
     std::string fault;
     EXPECT_FALSE(HostedProgram::Start({"/no/such/program"}, fault));
     EXPECT_EQ(fault, "/no/such/program: No such file or directory");
@@ -203,11 +189,11 @@ TEST(Hosted, SaysWhyItCannotStart) {
 }
 
 TEST(DialSocketTest, ServesOneProgramAfterTheOther) {
-    TemporaryDirectory directory;
+    ScratchDirectory directory;
     // Far longer than a socket's address may be.
-    const std::string path = directory.path + "/" + std::string(200, 'x');
+    const std::string path = directory.Path() + "/" + std::string(200, 'x');
     std::filesystem::create_directory(path);
-    const int before = OpenDescriptors();
+    const auto before = OpenDescriptors();
     {
         std::vector<std::string> heard;
         const auto socket = DialSocket::Open(
@@ -241,15 +227,15 @@ TEST(DialSocketTest, ServesOneProgramAfterTheOther) {
         socket->Serve();
         for (int i = 0; i < 10'000; ++i)
             socket->Print("to one that does not read");
-        EXPECT_FALSE(ConnectDialSocket(directory.path)) << "no simulator there";
+        EXPECT_FALSE(ConnectDialSocket(directory.Path())) << "no simulator there";
     }
     EXPECT_FALSE(ConnectDialSocket(path)) << "nor any more";
     EXPECT_EQ(OpenDescriptors(), before);
 }
 
 TEST(Place, IsReadableAsTheProgramReadsIt) {
-    TemporaryDirectory directory;
-    const std::string path = directory.path + "/a unit";
+    ScratchDirectory directory;
+    const std::string path = directory.Path() + "/a unit";
     std::string fault;
     auto place = MakeUnitPlace(path, {.dialProgram = "/x y/pppd"}, fault);
     ASSERT_TRUE(place) << fault;
@@ -261,9 +247,7 @@ TEST(Place, IsReadableAsTheProgramReadsIt) {
     EXPECT_EQ(settings.dialUp, (std::vector<std::string>{"/x y/pppd", path}));
     EXPECT_EQ(settings.objectPrefix, place->objectPrefix);
     EXPECT_EQ(settings.initialRegistry, path + "/registry.txt");
-    struct stat status {};
-    ASSERT_EQ(stat(path.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777u, 0700u);
+    EXPECT_EQ(FileMode(path), 0700u);
 
     EXPECT_FALSE(MakeUnitPlace(path, {.dialProgram = "/x y/pppd"}, fault)) << "one simulator a directory";
     EXPECT_EQ(fault, "another simulator runs in " + path);

@@ -42,24 +42,12 @@ TEST(ScenarioFile, MayHoldACallThatOnlyTheRunCanHave) {
 }
 
 TEST(ScenarioFile, NamesTheLineOfEveryMistake) {
-    const std::string_view lines[] = {
-        "5x sim out",
-        "2s",
-        "+ sim out",
-        "99999999h sim out",
-        "-1s sim out",
-        "1s nonsense",
-        "1s signal 99999",
-        "expect PIN within 3s",
-        "expect \"PIN\"",
-        "expect \"PIN\" within ever",
-        "expect \"\" within 3s",
-        "expect \"PIN within 3s",
-        "end now",
-        "1s \x01\x02\xFF",
-    };
-    for (const std::string_view line : lines) {
-        const Scenario scenario = ParseScenario("# first\n" + std::string(line) + "\n0s sim in\n");
+    constexpr std::string_view lines =
+        "5x sim out|2s|+ sim out|99999999h sim out|-1s sim out|1s nonsense|1s signal 99999|"
+        "expect PIN within 3s|expect \"PIN\"|expect \"PIN\" within ever|expect \"\" within 3s|"
+        "expect \"PIN within 3s|end now|1s \x01\x02\xFF";
+    for (const std::string& line : test::Lines(lines)) {
+        const Scenario scenario = ParseScenario("# first\n" + line + "\n0s sim in\n");
         ASSERT_EQ(scenario.errors.size(), 1u) << line;
         EXPECT_EQ(scenario.errors[0].substr(0, 8), "line 2: ") << scenario.errors[0];
         EXPECT_EQ(scenario.steps.size(), 1u);

@@ -129,17 +129,6 @@ TEST(SimCodes, LeaveACardInUseAlone) {
     EXPECT_EQ(bench.Ask("AT+CLCK=\"SC\",0,\"1174\""), ok);
 }
 
-TEST(SimCodes, BlockedInUseLockTheCardAgain) {
-    BenchUnit bench;
-    bench.Start();
-    for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(bench.Ask("AT+CLCK=\"SC\",1,\"0000\""), wrong);
-    EXPECT_EQ(bench.Ask("AT+CLCK=\"SC\",1,\"0000\""), pukRequired);
-    EXPECT_EQ(bench.Ask("AT+CPBS?"), pukRequired);
-    EXPECT_EQ(bench.Ask("AT+CPIN=12345678,1234"), ok);
-    EXPECT_EQ(bench.Ask("AT+CPBS?"), "|+CPBS: \"SM\",0,250||OK|");
-}
-
 TEST(SimCard, MayBeTakenOutAndPutIn) {
     BenchUnit bench;
     bench.Start();

@@ -79,17 +79,6 @@ TEST(Start, IsToldAgainToWhoAsksLate) {
     EXPECT_EQ(bench.Pass(0), "|+URCIND:3||+CSMINS: 1,0|");
 }
 
-TEST(Start, HappensAgainAfterACrash) {
-    BenchUnit bench;
-    bench.Start();
-    bench.Do({"module restart"});
-    EXPECT_FALSE(bench.unit.LinePresent());
-    EXPECT_EQ(bench.Driver(DrvFunction::Get3GPower), 1);
-    bench.Pass(2000);
-    EXPECT_TRUE(bench.unit.LinePresent());
-    EXPECT_EQ(bench.Ask("AT"), "AT\r|OK|");
-}
-
 TEST(Start, LosesTheLinkInTwoWays) {
     BenchUnit bench;
     bench.Start();
