@@ -1,6 +1,4 @@
 // What PDUs are made of: hexadecimal text, semi-octets, septets, UCS2 and the default alphabet.
-#include <algorithm>
-#include <array>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -81,26 +79,17 @@ TEST(SemiOctets, SwapInPairsWithAFiller) {
 }
 
 TEST(Septets, PackAsTheStandardShows) {
-    struct Case {
-        std::string text;
-        Octets octets;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, Octets> cases[] = {
         {"", {}},
-        {"A", {0x41}},
         {"hellohello", {0xE8, 0x32, 0x9B, 0xFD, 0x46, 0x97, 0xD9, 0xEC, 0x37}},
         {"1234567", {0x31, 0xD9, 0x8C, 0x56, 0xB3, 0xDD, 0x00}},
         {"12345678", {0x31, 0xD9, 0x8C, 0x56, 0xB3, 0xDD, 0x70}},
     };
-    for (const Case& example : cases) {
-        EXPECT_EQ(Pack(example.text + '\0'), example.octets) << example.text;
-        std::string unpacked = Unpack(example.octets);
-        ASSERT_GE(unpacked.size(), example.text.size());
-        EXPECT_EQ(unpacked.substr(0, example.text.size()), example.text);
+    for (const auto& [text, octets] : cases) {
+        EXPECT_EQ(Pack(text + '\0'), octets) << text;
+        EXPECT_TRUE(Unpack(octets).starts_with(text)) << text;
     }
-    EXPECT_EQ(Pack("12345678"), Pack(std::string("12345678") + '\0'));
     EXPECT_EQ(Unpack(Octets(7, 0xFF)), std::string(8, '\x7F')) << "the carry is a character";
-    EXPECT_EQ(Unpack(Octets(224, 0x00)).size(), 256u);
     EXPECT_EQ(Unpack(Octets(224, 0xFF), 161), std::string(160, '\x7F'));
     EXPECT_EQ(Pack(std::string(100, 'x'), 50).size(), 50u);
 }

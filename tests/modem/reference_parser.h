@@ -2,6 +2,7 @@
 // keyword.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,44 +59,14 @@ class ReferenceParser {
     }
 
     void Raise(int index, std::string_view text, bool& ringAllowed) {
-        static constexpr const char* names[38] = {"OnSignalStatus",
-                                                  "",
-                                                  "",
-                                                  "",
-                                                  "",
-                                                  "",
-                                                  "",
-                                                  "OnMsComeIn",
-                                                  "OnMsContent",
-                                                  "OnMsCenterNo",
-                                                  "",
-                                                  "OnCpms",
-                                                  "OnRingNo",
-                                                  "OnCreg",
-                                                  "",
-                                                  "OnCallReady",
-                                                  "",
-                                                  "",
-                                                  "",
-                                                  "",
-                                                  "",
-                                                  "OnModelInitComplete",
-                                                  "OnPhoneBookNum",
-                                                  "OnPhoneBookTest",
-                                                  "OnPhoneBookContent",
-                                                  "OnCimi",
-                                                  "OnGsn",
-                                                  "OnUssd",
-                                                  "OnCpin",
-                                                  "",
-                                                  "",
-                                                  "",
-                                                  "OnDisc",
-                                                  "OnUrcInd",
-                                                  "",
-                                                  "OnSimInserted",
-                                                  "",
-                                                  ""};
+        static const std::map<int, const char*> names{
+            {0, "OnSignalStatus"},  {7, "OnMsComeIn"},       {8, "OnMsContent"},
+            {9, "OnMsCenterNo"},    {11, "OnCpms"},          {12, "OnRingNo"},
+            {13, "OnCreg"},         {15, "OnCallReady"},     {21, "OnModelInitComplete"},
+            {22, "OnPhoneBookNum"}, {23, "OnPhoneBookTest"}, {24, "OnPhoneBookContent"},
+            {25, "OnCimi"},         {26, "OnGsn"},           {27, "OnUssd"},
+            {28, "OnCpin"},         {32, "OnDisc"},          {33, "OnUrcInd"},
+            {35, "OnSimInserted"}};
         const auto note = [this](std::string event) { events.push_back(std::move(event)); };
         switch (index) {
             case 1:
@@ -118,7 +89,8 @@ class ReferenceParser {
             case 36:
             case 37: note("OnAtResult(1)"); break;
             default:
-                if (names[index][0] != '\0') note(std::string(names[index]) + "(" + std::string(text) + ")");
+                if (const auto name = names.find(index); name != names.end())
+                    note(std::string(name->second) + "(" + std::string(text) + ")");
         }
     }
 

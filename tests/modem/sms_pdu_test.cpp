@@ -8,6 +8,7 @@
 #include "modem/hex_text.h"
 #include "modem/ucs2.h"
 #include "tests/modem/reference_pdu.h"
+#include "tests/modem/walled_record.h"
 #include "tests/support/code_pages.h"
 
 namespace varkel::test {
@@ -39,24 +40,6 @@ std::string Encoded(const SmsPduRecord& record, const CodePage& page = Chinese()
     }
     return std::string(pdu.View());
 }
-
-// A record between two walls.
-struct Walled {
-    using Wall = std::array<std::uint8_t, 64>;
-    Walled() {
-        before.fill(0xA5);
-        after.fill(0xA5);
-    }
-    bool Stands() const {
-        Wall wall;
-        wall.fill(0xA5);
-        return before == wall && after == wall && record.SCA.Length() < 16 && record.TPA.Length() < 16 &&
-               record.TP_SCTS.Length() < 16 && record.TP_UD.Length() < 161;
-    }
-    Wall before;
-    SmsPduRecord record;
-    Wall after;
-};
 
 TEST(SmsPdu, IsEncodedForSending) {
     EXPECT_EQ(Encoded(Record("1234567890123", "9876543210987", "AB")),
@@ -209,49 +192,19 @@ TEST(SmsPdu, LengthsThatNoFieldHoldsAreCut) {
     };
     const std::string end = "0000" + time + "0141" + tail;
     const Case cases[] = {
-        {"no service centre",
-         "00240391"
-         "21F3" +
-             end,
-         1, "", "123", 1},
-        {"a centre of a type alone",
-         "0191240391"
-         "21F3" +
-             end,
-         1, "", "123", 1},
-        {"a centre of 508 digits",
-         "FF91" + repeat("21", 254) +
-             "240391"
-             "21F3" +
-             end,
-         1, "121212121212121", "123", 1},
+        {"no service centre", "0024039121F3" + end, 1, "", "123", 1},
+        {"a centre of a type alone", "019124039121F3" + end, 1, "", "123", 1},
+        {"a centre of 508 digits", "FF91" + repeat("21", 254) + "24039121F3" + end, 1, "121212121212121",
+         "123", 1},
         {"a sender of 255 digits", "0024FF91" + repeat("21", 127) + "F1" + end, 1, "", "121212121212121", 1},
-        {"an alphanumeric sender",
-         "00240AD0"
-         "61F1985C36" +
-             end,
-         1, "", "161F89C563", 1},
+        {"an alphanumeric sender", "00240AD061F1985C36" + end, 1, "", "161F89C563", 1},
         {"a sender without digits", "00240091" + end, 1, "", "", 1},
-        {"255 septets",
-         "00240091"
-         "0000" +
-             time + "FF" + repeat("FF", 224) + tail,
-         255, "", "", 160},
-        {"127 units of four bytes",
-         "00240091"
-         "0008" +
-             time + "FF" + repeat("00E3", 127) + "00" + tail,
-         127, "", "", 160},
-        {"127 units of two bytes",
-         "00240091"
-         "0008" +
-             time + "FF0041" + repeat("866B", 126) + "00" + tail,
-         127, "", "", 159},
-        {"255 octets",
-         "00240091"
-         "0004" +
-             time + "FF" + repeat("B3E6", 127) + "41" + tail,
-         255, "", "", 160},
+        {"255 septets", "002400910000" + time + "FF" + repeat("FF", 224) + tail, 255, "", "", 160},
+        {"127 units of four bytes", "002400910008" + time + "FF" + repeat("00E3", 127) + "00" + tail, 127, "",
+         "", 160},
+        {"127 units of two bytes", "002400910008" + time + "FF0041" + repeat("866B", 126) + "00" + tail, 127,
+         "", "", 159},
+        {"255 octets", "002400910004" + time + "FF" + repeat("B3E6", 127) + "41" + tail, 255, "", "", 160},
     };
     for (const Case& example : cases) {
         Walled walled;
