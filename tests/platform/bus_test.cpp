@@ -296,18 +296,5 @@ TEST_F(BusTest, SleepsWhileNothingHappensAndLeavesNothingBehind) {
     EXPECT_EQ(problems, 0);
 }
 
-TEST_F(BusTest, ANameGoesToTheNextInTheQueue) {
-    Bus second(daemon.Options(), CountProblems());
-    {
-        Bus first(daemon.Options(), CountProblems());
-        EXPECT_TRUE(first.RequestName("org.varkel.Queue"));
-        EXPECT_TRUE(first.RequestName("org.varkel.Queue")) << "already ours";
-        EXPECT_FALSE(second.RequestName("org.varkel.Queue"));
-        first.ReleaseName("org.varkel.Queue");
-        EXPECT_FALSE(first.RequestName("org.varkel.Queue")) << "the second had queued";
-    }
-    EXPECT_TRUE(second.RequestName("org.varkel.Queue"));
-}
-
 }  // namespace
 }  // namespace varkel

@@ -39,21 +39,11 @@ class BusWindowMessagesTest : public test::DialogFixture {
     std::optional<std::uint32_t> CopyData(Program& from, WindowHandle to, std::uint32_t dwData,
                                           std::size_t size) {
         const std::vector<std::byte> data(size);
-        auto result =
-            std::async(std::launch::async, [&, data] { return from.windows.SendCopyData(to, dwData, data); });
-        EXPECT_TRUE(ServeUntil(
-            [&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
-        return result.get();
+        return Elsewhere([&] { return from.windows.SendCopyData(to, dwData, data); });
     }
 
-    // Calls a method of a window with any signature: `number` and, with a 's', `text` as arguments.
     bool CallRaw(Program& from, const BusMethod& method, const std::function<int(sd_bus_message*)>& append) {
-        auto result = std::async(std::launch::async, [&] {
-            return from.bus.Call(method, append, [](sd_bus_message*) { return 0; });
-        });
-        EXPECT_TRUE(ServeUntil(
-            [&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
-        return result.get();
+        return Elsewhere([&] { return from.bus.Call(method, append, [](sd_bus_message*) { return 0; }); });
     }
 
     test::PrivateBus daemon;
@@ -109,7 +99,7 @@ TEST_F(BusWindowMessagesTest, ABroadcastReachesEveryWindowOnce) {
     EXPECT_FALSE(phone.windows.PostMessage(WindowHandle::Broadcast, {WM_USER + 1, 0, 0}));
 }
 
-TEST_F(BusWindowMessagesTest, FindsWindowsByTitleInAnyProgram) {
+TEST_F(BusWindowMessagesTest, FindsWindowsByTitleInAnyProgramAndReadsTitles) {
     Program phone(daemon.Options(), loop);
     Program other(daemon.Options(), loop);
     const char* const titles[] = {"3Gwindow", "a b/c.d", "\xE8\x99\xAB"};
@@ -126,10 +116,14 @@ TEST_F(BusWindowMessagesTest, FindsWindowsByTitleInAnyProgram) {
     EXPECT_EQ(phone.windows.FindWindow(std::string(1000, 'x')), longTitle);
 
     const WindowHandle renamed = phone.windows.FindWindow("3Gwindow");
+    for (Program* const asking : {&phone, &other})
+        EXPECT_EQ(asking->windows.GetWindowText(renamed), "3Gwindow");
     phone.windows.SetWindowText(renamed, "later");
     EXPECT_EQ(other.windows.FindWindow("later"), renamed);
     EXPECT_EQ(other.windows.FindWindow("3Gwindow"), WindowHandle::None);
     phone.windows.DestroyWindow(renamed);
+    for (const WindowHandle none : {renamed, WindowHandle::None, WindowHandle::Broadcast})
+        EXPECT_EQ(other.windows.GetWindowText(none), std::nullopt);
     EXPECT_EQ(other.windows.FindWindow("later"), WindowHandle::None);
     EXPECT_NE(phone.Create("later"), renamed) << "handles are never given twice";
 }
@@ -238,20 +232,6 @@ TEST_F(BusWindowMessagesTest, RefusesWhatMakesNoSense) {
     while (phone.Create("") != WindowHandle::None)
         ASSERT_LE(++windows, 255);
     EXPECT_EQ(windows, 255);
-}
-
-TEST_F(BusWindowMessagesTest, AnyProgramCanReadAWindowsTitle) {
-    Program phone(daemon.Options(), loop);
-    Program client(daemon.Options(), loop);
-    const WindowHandle dialog = phone.Create("3Gwindow");
-    for (Program* const asking : {&phone, &client})
-        EXPECT_EQ(asking->windows.GetWindowText(dialog), "3Gwindow");
-    phone.windows.SetWindowText(dialog, "");
-    EXPECT_EQ(client.windows.GetWindowText(dialog), "");
-    phone.windows.DestroyWindow(dialog);
-    for (const WindowHandle none :
-         {dialog, WindowHandle::None, WindowHandle::Broadcast, WindowHandle{0x7F0001}})
-        EXPECT_EQ(client.windows.GetWindowText(none), std::nullopt);
 }
 
 TEST_F(BusWindowMessagesTest, WorksAloneWithoutABusAndAfterItIsLost) {

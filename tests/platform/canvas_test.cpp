@@ -31,41 +31,27 @@ TEST_F(CanvasTest, DrawsWhatLiesWithinItsClips) {
     const auto picture = Picture({"rgb", "wkr"});
     const auto key = test::ColorOf('k');
     const auto red = test::ColorOf('r');
+    using Draw = std::function<void(Canvas&)>;
+    const auto fill = [](const Rect& rect, ColorRef color) -> Draw {
+        return [=](Canvas& c) { c.FillRect(rect, color); };
+    };
+    const auto blit = [&](Point at) -> Draw { return [&, at](Canvas& c) { c.BitBlt(*picture, at); }; };
+    const auto part = [&](const Rect& of, Point at) -> Draw {
+        return [&, of, at](Canvas& c) { c.BitBlt(*picture, of, at); };
+    };
     struct Case {
         const char* name;
-        std::function<void(Canvas&)> draw;
+        Draw draw;
         Rows expected;
     };
     const Case cases[] = {
-        {"fill, partly outside",
-         [&](Canvas& c) {
-             c.FillRect({3, -5, 90, 7}, red);
-         },
-         {"...rrr", "...rrr", "......", "......"}},
-        {"an empty fill",
-         [&](Canvas& c) {
-             c.FillRect({1, 1, -3, 2}, red);
-         },
-         {"......", "......", "......", "......"}},
-        {"blit",
-         [&](Canvas& c) {
-             c.BitBlt(*picture, {1, 1});
-         },
-         {"......", ".rgb..", ".wkr..", "......"}},
-        {"blit over two borders",
-         [&](Canvas& c) {
-             c.BitBlt(*picture, {-1, -1});
-         },
-         {"kr....", "......", "......", "......"}},
-        {"a part",
-         [&](Canvas& c) {
-             c.BitBlt(*picture, {1, 0, 2, 1}, {4, 3});
-         },
-         {"......", "......", "......", "....gb"}},
+        {"fill, partly outside", fill({3, -5, 90, 7}, red), {"...rrr", "...rrr", "......", "......"}},
+        {"an empty fill", fill({1, 1, -3, 2}, red), {"......", "......", "......", "......"}},
+        {"blit", blit({1, 1}), {"......", ".rgb..", ".wkr..", "......"}},
+        {"blit over two borders", blit({-1, -1}), {"kr....", "......", "......", "......"}},
+        {"a part", part({1, 0, 2, 1}, {4, 3}), {"......", "......", "......", "....gb"}},
         {"a part that reaches beyond the picture",
-         [&](Canvas& c) {
-             c.BitBlt(*picture, {-1, 1, 3, 9}, {0, 0});
-         },
+         part({-1, 1, 3, 9}, {0, 0}),
          {".wk...", "......", "......", "......"}},
         {"stretch to its own size",
          [&](Canvas& c) {
@@ -125,24 +111,6 @@ TEST_F(CanvasTest, DrawsWhatLiesWithinItsClips) {
         a.draw(surface->GetCanvas());
         EXPECT_EQ(test::RowsOf(surface->Picture()), a.expected) << a.name;
     }
-}
-
-TEST_F(CanvasTest, RoundsCornersAndKeepsTheEdgeInside) {
-    const auto surface = graphics.CreateSurface({40, 40});
-    surface->GetCanvas().RoundRect({5, 5, 30, 30}, 12, test::ColorOf('r'), test::ColorOf('w'), 2);
-    EXPECT_EQ(test::Ink(surface->Picture()), (Rect{5, 5, 30, 30}));
-    const auto at = [&](int x, int y) { return test::LetterOf(surface->Picture().GetPixel({x, y})); };
-    EXPECT_EQ(std::string({at(5, 5), at(34, 34), at(20, 5), at(5, 20), at(34, 20), at(20, 20)}), "..wwwr");
-}
-
-TEST_F(CanvasTest, KeepsThePlacesOfScaledPixels) {
-    const auto surface = graphics.CreateSurface({30, 20});
-    surface->GetCanvas().FillRect({0, 0, 30, 20}, test::ColorOf('b'));
-    surface->GetCanvas().TransparentImage(*Picture({"rkg", "kwk"}), {0, 0, 30, 20}, test::ColorOf('k'));
-    const auto at = [&](int x, int y) { return test::LetterOf(surface->Picture().GetPixel({x, y})); };
-    EXPECT_EQ(std::string({at(0, 0), at(29, 0), at(0, 19), at(29, 19)}), "rgbb");
-    for (int x = 0; x < 30; ++x)
-        EXPECT_NE(at(x, 5), 'k') << "nothing of the key shines through at " << x;
 }
 
 TEST_F(CanvasTest, DrawsOnPicturesThatAreDrawnAgain) {

@@ -1,6 +1,5 @@
 #include "platform/linux/console_terminal.h"
 
-#include <atomic>
 #include <fcntl.h>
 #include <optional>
 #include <unistd.h>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <future>
 #include <gtest/gtest.h>
 
 #include "platform/linux/linux_runtime.h"
@@ -26,6 +27,15 @@ class DialogFixture : public testing::Test {
         bool served = false;
         loop.Post([&] { served = true; });
         ServeUntil([&] { return served; });
+    }
+
+    // What a call on another thread comes back with, while this one serves the loop.
+    template <class Call>
+    auto Elsewhere(Call call) {
+        auto result = std::async(std::launch::async, std::move(call));
+        EXPECT_TRUE(ServeUntil(
+            [&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+        return result.get();
     }
 
     LinuxRuntime runtime;

@@ -1,6 +1,8 @@
 // Pictures that a test writes down and reads back.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -62,6 +64,19 @@ inline std::string Bmp(const Rows& rows) {
     const auto number = [](std::size_t value) { return LittleEndian(static_cast<std::uint32_t>(value), 4); };
     return "BM" + number(54 + pixels.size()) + number(0) + number(54) + number(40) + number(width) +
            number(rows.size()) + LittleEndian(1, 2) + LittleEndian(24, 2) + std::string(24, '\0') + pixels;
+}
+
+// As WCAG 2 defines it: 1 to 21.
+inline double Contrast(ColorRef a, ColorRef b) {
+    const auto luminance = [](ColorRef color) {
+        const auto linear = [](ColorRef channel) {
+            const double value = (channel & 0xFF) / 255.0;
+            return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color) + 0.7152 * linear(color >> 8) + 0.0722 * linear(color >> 16);
+    };
+    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
+    return (light + 0.05) / (dark + 0.05);
 }
 
 // The smallest rectangle around all pixels that are not black.

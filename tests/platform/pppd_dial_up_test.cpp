@@ -1,6 +1,5 @@
 #include "platform/linux/pppd_dial_up.h"
 
-#include <algorithm>
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "tests/platform/pictures.h"
 #include "ui/dialog.h"
 
 namespace varkel::test {
@@ -20,19 +20,6 @@ struct ShownText {
     ColorRef ground = 0;  // the colour that most of the box has, where the text stands
     bool fits = false;
 };
-
-// As WCAG 2 defines it: 1 to 21.
-inline double Contrast(ColorRef a, ColorRef b) {
-    const auto luminance = [](ColorRef color) {
-        const auto linear = [](ColorRef channel) {
-            const double value = (channel & 0xFF) / 255.0;
-            return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * linear(color) + 0.7152 * linear(color >> 8) + 0.0722 * linear(color >> 16);
-    };
-    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
-    return (light + 0.05) / (dark + 0.05);
-}
 
 // Draws on a surface, and writes down each text before it is drawn.
 class TextSurvey final : public Canvas {

@@ -1,10 +1,10 @@
 // A terminal whose typing is done by the test.
 #pragma once
 
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "platform/guarded.h"
 #include "platform/message_loop.h"
 #include "platform/terminal.h"
 
@@ -15,8 +15,7 @@ class MemoryTerminal final : public Terminal {
     explicit MemoryTerminal(MessageLoop& loop) : m_loop(loop) {}
 
     void PrintLine(std::string_view line) override {
-        std::lock_guard lock(m_mutex);
-        m_lines.emplace_back(line);
+        m_lines.With([&](auto& lines) { lines.emplace_back(line); });
     }
     void Listen(std::function<void(std::string)> onLine, std::function<void()> onEnd) override {
         m_onLine = std::move(onLine);
@@ -30,14 +29,12 @@ class MemoryTerminal final : public Terminal {
         m_loop.Post([this] { m_onEnd(); });
     }
     std::vector<std::string> TakeLines() {
-        std::lock_guard lock(m_mutex);
-        return std::exchange(m_lines, {});
+        return m_lines.With([](auto& lines) { return std::exchange(lines, {}); });
     }
 
   private:
     MessageLoop& m_loop;
-    std::mutex m_mutex;
-    std::vector<std::string> m_lines;
+    Guarded<std::vector<std::string>> m_lines;
     std::function<void(std::string)> m_onLine;
     std::function<void()> m_onEnd;
 };

@@ -93,17 +93,12 @@ class MemoryWindows final : public WindowMessages {
         return handler ? std::optional(handler(dwData, data)) : std::nullopt;
     }
 
-    // "NAME wParam lParam" for each message that reached the main window or all windows.
-    std::vector<std::string> Posted() {
-        std::lock_guard lock(m_mutex);
-        return m_posted;
-    }
-
     void Forget() {
         std::lock_guard lock(m_mutex);
         m_posted.clear();
     }
 
+    // How often "NAME wParam lParam" reached the main window or all windows.
     int CountPosted(std::string_view text) {
         std::lock_guard lock(m_mutex);
         return static_cast<int>(std::count(m_posted.begin(), m_posted.end(), text));

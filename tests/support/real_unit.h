@@ -23,7 +23,6 @@ class RealUnit final : public KovexDrvApi {
 
     std::string Command(std::string_view line);
     int SuspendLocks();
-    // How long the modem took over its answers so far, and how many it gave.
     const std::string& Link() const { return m_link; }
 
   private:

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "platform/guarded.h"
 #include "platform/notices.h"
 
 namespace varkel::test {
@@ -20,26 +20,17 @@ class RecordedNotices final : public Notices {
     }
 
     // "caption|text" of each box.
-    std::vector<std::string> Boxes() {
-        std::lock_guard lock(m_mutex);
-        return m_boxes;
-    }
-
-    void Forget() {
-        std::lock_guard lock(m_mutex);
-        m_boxes.clear();
-    }
+    std::vector<std::string> Boxes() const { return m_boxes.Get(); }
+    void Forget() { m_boxes.Set({}); }
 
     std::atomic<bool> nobodyDismisses = false;
 
   private:
     void Add(std::string_view text, std::string_view caption) {
-        std::lock_guard lock(m_mutex);
-        m_boxes.push_back(std::string(caption) + "|" + std::string(text));
+        m_boxes.With([&](auto& boxes) { boxes.push_back(std::string(caption) + "|" + std::string(text)); });
     }
 
-    std::mutex m_mutex;
-    std::vector<std::string> m_boxes;
+    Guarded<std::vector<std::string>> m_boxes;
 };
 
 }  // namespace varkel::test

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <atomic>
-#include <map>
 #include <mutex>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -44,7 +42,7 @@ class ScriptedDialUp final : public DialUp {
 
     std::string PeerAddress(RasHandle handle) override {
         const std::lock_guard lock(m_mutex);
-        return handle != RasHandle::None && handle == m_current ? peerAddress : "";
+        return handle != RasHandle::None && handle == m_current ? "10.64.64.64" : "";
     }
 
     void Report(RasState state) {
@@ -64,7 +62,6 @@ class ScriptedDialUp final : public DialUp {
         const std::lock_guard lock(m_mutex);
         m_dialled.clear();
     }
-
     RasHandle Current() {
         const std::lock_guard lock(m_mutex);
         return m_current;
@@ -73,7 +70,6 @@ class ScriptedDialUp final : public DialUp {
     std::atomic<RasError> refusal = RasError::None;
     std::atomic<bool> connects = false;
     std::atomic<int> hangUps = 0;
-    std::string peerAddress = "10.64.64.64";
 
   private:
     MessageLoop& m_loop;
@@ -84,19 +80,17 @@ class ScriptedDialUp final : public DialUp {
     std::function<void(RasState)> m_notifier;
 };
 
-// Hosts in `silent` let every request time out; all others answer after 20 ms.
+// Every host answers after 20 ms, or lets each request time out.
 class ScriptedIcmp final : public IcmpEcho {
   public:
     explicit ScriptedIcmp(Runtime& runtime) : m_runtime(runtime) {}
 
     bool IcmpSendEcho(std::string_view address, std::span<const std::byte>, Ticks timeout) override {
         m_asked.With([&](std::vector<std::string>& asked) { asked.emplace_back(address); });
-        const bool answers = !allSilent && !silent.contains(std::string(address));
-        m_runtime.Sleep(answers ? 20 : timeout);
-        return answers;
+        m_runtime.Sleep(allSilent ? timeout : 20);
+        return !allSilent;
     }
 
-    std::set<std::string> silent;
     std::atomic<bool> allSilent = false;
 
     std::vector<std::string> Asked() const { return m_asked.Get(); }

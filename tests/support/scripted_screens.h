@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/guarded.h"
 #include "session/screens.h"
 
 namespace varkel::test {
@@ -83,26 +84,12 @@ class ScriptedScreens : public Screens {
     }
     void TypeCancel() { Enter(std::nullopt); }
 
-    std::vector<std::string> Shown() {
-        std::lock_guard lock(m_mutex);
-        return m_shown;
-    }
-
-    void Forget() {
-        std::lock_guard lock(m_mutex);
-        m_shown.clear();
-    }
-
+    std::vector<std::string> Shown() const { return m_shown.Get(); }
+    void Forget() { m_shown.Set({}); }
     int Count(std::string_view text) {
-        std::lock_guard lock(m_mutex);
-        return static_cast<int>(std::count(m_shown.begin(), m_shown.end(), text));
-    }
-
-    std::string LastSignal() {
-        const std::vector<std::string> shown = Shown();
-        const auto last = std::find_if(shown.rbegin(), shown.rend(),
-                                       [](const std::string& line) { return line.starts_with("signal "); });
-        return last == shown.rend() ? "" : *last;
+        return m_shown.With([&](const auto& shown) {
+            return static_cast<int>(std::count(shown.begin(), shown.end(), text));
+        });
     }
 
     // When the screen was last ordered, by the clock of the system.
@@ -122,8 +109,7 @@ class ScriptedScreens : public Screens {
     }
 
     void Note(std::string text) {
-        std::lock_guard lock(m_mutex);
-        m_shown.push_back(std::move(text));
+        m_shown.With([&](auto& shown) { shown.push_back(std::move(text)); });
     }
 
     std::shared_ptr<Event> m_typed;
@@ -131,7 +117,7 @@ class ScriptedScreens : public Screens {
     std::atomic<std::chrono::steady_clock::time_point> m_incomingCall;
     std::mutex m_mutex;
     std::deque<std::optional<CodeEntry>> m_entries;
-    std::vector<std::string> m_shown;
+    Guarded<std::vector<std::string>> m_shown;
 };
 
 }  // namespace varkel::test

@@ -1,6 +1,7 @@
 // The whole program without its window, on the simulated unit, in virtual time.
 #pragma once
 
+#include <cassert>
 #include <memory>
 #include <string>
 
@@ -55,6 +56,23 @@ struct SessionBench {
         loop.KillTimer(limitTimer);
         loop.KillTimer(lookTimer);
         return holds();
+    }
+
+    // Starts the program, unless the test has, and opens its module, which is at rest then.
+    void OpenModule() {
+        if (!dialog) Start("");
+        dialog->OpenModule();
+        [[maybe_unused]] const bool ended = RunUntilOpenEnds();
+        assert(ended);
+        RunFor(1000);
+    }
+    // What the modem was sent since, without the signal poll.
+    std::vector<std::string> Commands() {
+        std::vector<std::string> commands;
+        for (std::string& line : unit.TakeTrace()) {
+            if (line.starts_with("AT") && line != "AT+CSQ") commands.push_back(std::move(line));
+        }
+        return commands;
     }
 
     bool OpenEnded() { return windows.CountPosted("3G_OPEN_END 0 0") > 0; }

@@ -123,7 +123,6 @@ struct VirtualRuntime::Scheduler {
         VirtualThread* const next = Choose(self);
         hash = (hash ^ static_cast<std::uint64_t>(next->Id())) * 0x100000001B3ull;
         hash ^= now;
-        ++steps;
         if (next == self) return;
         const bool leaves = self->ended;
         next->GiveBaton();
@@ -187,7 +186,6 @@ struct VirtualRuntime::Scheduler {
     unsigned stayChance = 8;
     Micros now = 0;
     std::uint64_t hash = 0xCBF29CE484222325ull;
-    std::uint64_t steps = 0;
     std::uint32_t lastId = 0;
     VirtualThread* candidates[mostThreads] = {};
     std::vector<std::shared_ptr<VirtualThread>> threads;
@@ -368,9 +366,6 @@ std::uint64_t VirtualRuntime::Elapsed() const {
 }
 std::uint64_t VirtualRuntime::TraceHash() const {
     return m_scheduler->hash;
-}
-std::uint64_t VirtualRuntime::Steps() const {
-    return m_scheduler->steps;
 }
 void VirtualRuntime::RefuseThreads(std::string name) {
     m_refused = std::move(name);

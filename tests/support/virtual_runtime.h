@@ -39,8 +39,6 @@ class VirtualRuntime final : public Runtime {
     std::uint64_t Elapsed() const;
     // A number that every choice so far went into.
     std::uint64_t TraceHash() const;
-    // How often a thread was chosen.
-    std::uint64_t Steps() const;
     // From now on CreateThread fails for threads of that name; "" = none.
     void RefuseThreads(std::string name);
 
