@@ -1,7 +1,6 @@
 // The pictures of both skins, as the build has made them.
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +12,8 @@
 #include <vector>
 
 #include "platform/key_file.h"
+#include "platform/linux/bmp_file.h"
+#include "tests/platform/pictures.h"
 #include "tests/support/scratch.h"
 
 namespace varkel {
@@ -26,38 +27,21 @@ fs::path Pictures(const std::string& palette) {
     return fs::path(VARKEL_ASSETS) / ("skin-" + palette) / "ResidentFlash2/bin/Gprs";
 }
 
-struct Bmp {
-    int width = 0;
-    int height = 0;
-    int bits = 0;
-    std::vector<std::uint32_t> pixels;  // 0xRRGGBB, from the top
+BmpPicture Read(const fs::path& path) {
+    const std::string bytes = test::FileContent(path);
+    EXPECT_EQ(bytes.at(28), 24) << "bits a pixel";
+    return ReadBmp(bytes).value();
+}
 
-    static Bmp Read(const fs::path& path) {
-        const std::string bytes = test::FileContent(path.string());
-        const auto number = [&bytes](std::size_t at, int octets) {
-            std::uint32_t value = 0;
-            for (int i = octets; i-- > 0;)
-                value = value << 8 | static_cast<std::uint8_t>(bytes.at(at + static_cast<std::size_t>(i)));
-            return value;
-        };
-        Bmp bmp{static_cast<int>(number(18, 4)),
-                static_cast<int>(number(22, 4)),
-                static_cast<int>(number(28, 2)),
-                {}};
-        const std::size_t stride = (static_cast<std::size_t>(bmp.width) * 3 + 3) / 4 * 4;
-        for (int y = bmp.height - 1; y >= 0; --y) {
-            for (int x = 0; x < bmp.width; ++x)
-                bmp.pixels.push_back(
-                    number(54 + static_cast<std::size_t>(y) * stride + static_cast<std::size_t>(x) * 3, 3));
-        }
-        return bmp;
-    }
+std::uint32_t At(const BmpPicture& picture, int x, int y) {
+    return picture.pixels.at(static_cast<std::size_t>(y * picture.size.width + x));
+}
 
-    std::uint32_t At(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
-    bool Has(std::uint32_t color) const {
-        return std::find(pixels.begin(), pixels.end(), color) != pixels.end();
-    }
-};
+// Of two colours 0xRRGGBB.
+double Contrast(std::uint32_t a, std::uint32_t b) {
+    const auto color = [](std::uint32_t value) { return Rgb(value >> 16, value >> 8 & 0xFF, value & 0xFF); };
+    return test::Contrast(color(a), color(b));
+}
 
 // A row of the table in the skin's README.
 struct Listed {
@@ -90,27 +74,14 @@ std::vector<Listed> ListedPictures() {
     return listed;
 }
 
-// W3C's relative luminance and contrast ratio.
-double Luminance(std::uint32_t color) {
-    const auto part = [color](int shift) {
-        const double value = (color >> shift & 0xFF) / 255.0;
-        return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * part(16) + 0.7152 * part(8) + 0.0722 * part(0);
-}
-
-double Contrast(std::uint32_t a, std::uint32_t b) {
-    const auto [dark, light] = std::minmax({Luminance(a), Luminance(b)});
-    return (light + 0.05) / (dark + 0.05);
-}
-
 // The weakest contrast of the palette's colours inside the edges against the one that covers most. Edges of
 // lines are mixed and do not count. 0 when there is nothing to be seen.
-double IconContrast(const Bmp& bmp, int inset, std::uint32_t ground, const std::set<std::uint32_t>& palette) {
+double IconContrast(const BmpPicture& bmp, int inset, std::uint32_t ground,
+                    const std::set<std::uint32_t>& palette) {
     std::map<std::uint32_t, int> counts;
-    for (int y = inset; y < bmp.height - inset; ++y) {
-        for (int x = inset; x < bmp.width - inset; ++x) {
-            const std::uint32_t color = bmp.At(x, y) == magenta ? ground : bmp.At(x, y);
+    for (int y = inset; y < bmp.size.height - inset; ++y) {
+        for (int x = inset; x < bmp.size.width - inset; ++x) {
+            const std::uint32_t color = At(bmp, x, y) == magenta ? ground : At(bmp, x, y);
             if (palette.contains(color)) ++counts[color];
         }
     }
@@ -134,45 +105,6 @@ class SkinTest : public testing::TestWithParam<const char*> {
     const KeyFile palette = KeyFile::Parse(test::FileContent((pictures / "palette.txt").string()));
 };
 
-TEST_P(SkinTest, HasEveryPictureThatScreensAreMadeOf) {
-    const struct {
-        const char* directory;
-        const char* names;
-    } needed[] = {
-        {"", "Radio RadioSel SRadio SRadioSel Check CheckSel Radio1 RadioSel1"},
-        {"MainInterface",
-         "MainInterface1 MainInterface2 MainInterface3 KeyboardSel ShortMessageSel SettingSel "
-         "CallRegisterSel "
-         "CallBookSel Redail RedailSel WinwapSel NetWorkSel HangupSel SoundSel Receiver ReceiverSel"},
-        {"Signal",
-         "SignalLevel0 SignalLevel1 SignalLevel2 SignalLevel3 SignalLevel4 SignalLevel5 DataClosed "
-         "DataDialling DataOpen"},
-        {"Keyboard",
-         "Back EmptyButton EmptyButtonSel Backspace BackspaceSel Dial DialSel DialDisable DialReturn "
-         "DialReturnSel"},
-        {"Other",
-         "Exit ExitSel CallInBack Accept AcceptSel Reject RejectSel PromptDlgBack MessageCallrecordInterface "
-         "Key KeySel KeyDisable Delete DeleteSel DeleteDisable DelMsm DelMsmSel DelMsmDis MsmOpen MsmOpenSel "
-         "MsmOpenDis BuildMsm BuildMsmSel BuildMsmDis GroupBlackList Reply ReplySel ReplyDisable MsmExit "
-         "MsmExitSel MsmExitDisable SearchItem SearchItemSel SearchItemDis Fixed FixedSel FixedDisable Send "
-         "SendSel SendDisable Phrase Ok OkSel Quit QuitSel SoundAdd SoundAddSel SoundAddDisable SoundSub "
-         "SoundSubSel SoundSubDisable SmsSet SmsSetSel SmsSetDisable NetworkSet NetworkSetSel "
-         "NetworkSetDisable"},
-        {"Ussd",
-         "NumberBack Empty EmptySel Confirm ConfirmSel NumberClean NumberCleanSel NumberReturn "
-         "NumberReturnSel UssdBack Reply ReplySel Return ReturnSel"},
-        {"WarnBack", "DeskWarn Ok OkSel Cancel CancelSel"},
-        {"Scrollbar",
-         "VerticalScrollBarChannel VerticalScrollBarUpArrow VerticalScrollBarDownArrow "
-         "VerticalScrollBarUpArrowSel VerticalScrollBarDownArrowSel"},
-    };
-    for (const auto& [directory, names] : needed) {
-        std::istringstream words(names);
-        for (std::string name; words >> name;)
-            EXPECT_TRUE(fs::exists(File((fs::path(directory) / name).string()))) << directory << " " << name;
-    }
-}
-
 TEST_P(SkinTest, PicturesAreAsTheReadmeListsThem) {
     std::size_t count = 0;
     for (const Listed& listed : ListedPictures()) {
@@ -180,10 +112,9 @@ TEST_P(SkinTest, PicturesAreAsTheReadmeListsThem) {
         for (const std::string& suffix : listed.suffixes) {
             SCOPED_TRACE(listed.name + suffix);
             ASSERT_TRUE(fs::exists(File(listed.name + suffix)));
-            const Bmp bmp = Bmp::Read(File(listed.name + suffix));
-            EXPECT_EQ(std::to_string(bmp.width) + " x " + std::to_string(bmp.height), listed.size);
-            EXPECT_EQ(bmp.bits, 24);
-            EXPECT_EQ(bmp.Has(magenta), listed.keyed);
+            const BmpPicture bmp = Read(File(listed.name + suffix));
+            EXPECT_EQ(std::to_string(bmp.size.width) + " x " + std::to_string(bmp.size.height), listed.size);
+            EXPECT_EQ(std::ranges::count(bmp.pixels, magenta) > 0, listed.keyed);
             EXPECT_TRUE(looks.insert(bmp.pixels).second || listed.name == "MainInterface/Badge")
                 << "looks like another state";
             ++count;
@@ -209,8 +140,10 @@ TEST_P(SkinTest, IconsAreSeenOnTheirGround) {
         const bool isTab = listed.suffixes[0] == "1";
         if (!touched || isTab || withoutIcon.contains(listed.name)) continue;
         for (const std::string& suffix : listed.suffixes) {
-            const Bmp bmp = Bmp::Read(File(listed.name + suffix));
-            const int inset = bmp.width == 200 ? 16 : bmp.width == bmp.height ? bmp.width / 9 : 9;
+            const BmpPicture bmp = Read(File(listed.name + suffix));
+            const int inset = bmp.size.width == 200               ? 16
+                              : bmp.size.width == bmp.size.height ? bmp.size.width / 9
+                                                                  : 9;
             const std::uint32_t ground = Color(suffix == "Sel" ? "pressed" : "well");
             const bool isOff = suffix.find("Dis") != std::string::npos;
             EXPECT_GE(IconContrast(bmp, listed.keyed ? 0 : inset, ground, colors), isOff ? 3 : 4.5)
@@ -222,9 +155,9 @@ TEST_P(SkinTest, IconsAreSeenOnTheirGround) {
 }
 
 TEST_P(SkinTest, TheArrowHasTheColourOfTheScrollBar) {
-    const std::uint32_t fill = Bmp::Read(File("Scrollbar/VerticalScrollBarUpArrow")).At(13, 14);
+    const std::uint32_t fill = At(Read(File("Scrollbar/VerticalScrollBarUpArrow")), 13, 14);
     EXPECT_EQ(fill, Color("thumb"));
-    EXPECT_GE(Contrast(fill, Bmp::Read(File("Scrollbar/VerticalScrollBarChannel")).At(0, 0)), 3);
+    EXPECT_GE(Contrast(fill, At(Read(File("Scrollbar/VerticalScrollBarChannel")), 0, 0)), 3);
 }
 
 TEST_P(SkinTest, IsMadeOfTheSameBytesEachTime) {
