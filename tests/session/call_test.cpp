@@ -13,7 +13,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
 struct CallBench : OpenBench {
     explicit CallBench(std::uint64_t seed = 1) : OpenBench(seed) {}

@@ -27,9 +27,7 @@ TEST(AccessPoint, IsThatOfTheFirstOperatorThatServesTheSim) {
         InstallOperators(bench.files, operators);
         Settings settings(bench.registry);
         settings.WriteIsp(Operator("earlier", "earlier", ""));
-        bench.Start("");
-        bench.dialog->OpenModule();
-        ASSERT_TRUE(bench.RunUntilOpenEnds());
+        bench.OpenModule();
         const bool found = *row.chosen != '\0';
         EXPECT_EQ(bench.dialog->Data().CurrentIsp().szAPN.View(), found ? row.chosen : "earlier");
         EXPECT_EQ(settings.ReadIsp()->szAPN.View(), found ? row.chosen : "earlier");
@@ -207,9 +205,7 @@ TEST(LinkDiagnosis, NamesTheReason) {
         SessionBench bench;
         bench.unit.Command(row.before);
         bench.screens.Type("1234");
-        bench.Start("");
-        bench.dialog->OpenModule();
-        ASSERT_TRUE(bench.RunUntilOpenEnds());
+        bench.OpenModule();
         for (const char* command : row.world)
             bench.unit.Command(command);
         bench.dialog->Data().RasHangUp();
@@ -239,8 +235,7 @@ TEST(DataAtTheEnd, IsAtRestWhateverItWasIn) {
         EXPECT_FALSE(link.Exists()) << "nothing is dialled for a closed module";
         EXPECT_EQ(bench.dialog->State().m_dataState, DataState::Off) << when;
         EXPECT_EQ(bench.dialUp.Current(), RasHandle::None) << when;
-        bench.dialog->OpenModule();
-        ASSERT_TRUE(bench.RunUntilOpenEnds());
+        bench.OpenModule();
         EXPECT_TRUE(link.Exists()) << when;
     }
 }

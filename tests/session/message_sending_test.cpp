@@ -7,7 +7,6 @@
 namespace varkel::test {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 

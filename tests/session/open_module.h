@@ -9,20 +9,8 @@ namespace varkel::test {
 
 struct OpenBench : SessionBench {
     explicit OpenBench(std::uint64_t seed = 1) : SessionBench(seed) {
-        Start("");
-        dialog->OpenModule();
-        EXPECT_TRUE(RunUntilOpenEnds());
-        RunFor(1000);
+        OpenModule();
         unit.TakeTrace();
-    }
-
-    // What the modem was sent since, without the signal poll.
-    std::vector<std::string> Commands() {
-        std::vector<std::string> commands;
-        for (std::string& line : unit.TakeTrace()) {
-            if (line.starts_with("AT") && line != "AT+CSQ") commands.push_back(std::move(line));
-        }
-        return commands;
     }
 
     std::vector<SmsRecord> Inbox() { return dialog->Messages().Boxes().inbox.FindSmsRecord(); }

@@ -81,18 +81,6 @@ TEST_F(SettingsTest, TakesAValueOfAnotherTypeForMissing) {
     EXPECT_EQ(settings.ReadPhoneNumber("SOS"), "");
 }
 
-TEST_F(SettingsTest, WritesAnIdentityOneByteShort) {
-    ASSERT_TRUE(settings.WriteSimIdentity("IMSI", "460001234567890"));
-    const auto value = registry.Value("Software\\QXGprsSim", "IMSI");
-    ASSERT_TRUE(value);
-    EXPECT_EQ(value->type, RegistryType::Sz);
-    EXPECT_EQ(value->bytes.size(), 15u * 2 + 1);
-    bool created = false;
-    const auto key = registry.RegCreateKeyEx("software\\qxgprssim\\", created);
-    EXPECT_FALSE(created);
-    EXPECT_EQ(QueryText(*key, "imsi", 520), "460001234567890");
-}
-
 TEST_F(SettingsTest, KeepsTheOperatorAsTheBytesOfItsRecord) {
     EXPECT_FALSE(settings.ReadIsp());
     ISP_Struct isp = DefaultIsp();

@@ -2,12 +2,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/session_bench.h"
+#include "tests/session/open_module.h"
 
 namespace varkel::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 TEST(SignalLevels, AreCutWhereTheTablesSay) {
     struct Level {
@@ -29,17 +30,9 @@ TEST(SignalLevels, AreCutWhereTheTablesSay) {
 }
 
 struct OpenModule : testing::Test {
-    OpenModule() {
-        bench.Start("");
-        bench.dialog->OpenModule();
-        EXPECT_TRUE(bench.RunUntilOpenEnds());
-        bench.RunFor(1000);
-        bench.unit.TakeTrace();
-    }
-
     std::string Csq() { return std::string(bench.dialog->State().m_szCsq.Get().View()); }
 
-    SessionBench bench;
+    OpenBench bench;
 };
 
 TEST_F(OpenModule, IsPolledEveryTenSecondsAndTellsTheUnit) {
@@ -113,44 +106,27 @@ TEST_F(OpenModule, TakesNewsOfTheSim) {
     EXPECT_EQ(bench.screens.Count("warn 11"), 1);
 }
 
-TEST(OneShotWatchTest, EndsWhatHasNoFinalResult) {
-    SessionBench bench;
-    SessionState state;
-    Settings settings(bench.registry);
-    CATChannel at(bench.runtime, bench.unit, bench.windows, bench.log);
-    Session session{bench.platform, state, settings, at, bench.screens};
-    bench.log.Open("log", 1 << 20, LogLevel::Debug);
-    CommandTurn turn(bench.runtime, at);
-    Listeners listeners(bench.windows);
-    DataLink data(session, turn, listeners);
-    SignalWatch signal(session, turn, data);
-    PhoneBook book(session, turn);
-    CallLists lists(bench.files, bench.log);
-    CallControl calls(session, turn, signal, book, lists);
-    MessageHandling messages(session, turn, calls, signal);
-    OneShotWatch watch(session, calls, messages, signal);
+TEST_F(OpenModule, EndsADialAndAHangUpThatGetNoResult) {
+    CallControl& calls = bench.dialog->Calls();
+    bench.unit.Command("lose 1");
+    ASSERT_TRUE(calls.Dial("13800138000"));
+    bench.RunFor(58'000);
+    EXPECT_TRUE(calls.Busy());
+    bench.RunFor(5000);
+    EXPECT_FALSE(calls.Busy());
+    EXPECT_THAT(bench.LogContent(), HasSubstr("[BTNEV]OnCallHooked"));
 
-    const Ticks now = bench.runtime.GetTickCount();
-    at.dialPending.Set(now);
-    at.hangUpPending.Set(now);
-    at.sendPending.Set(now);
-    watch.Watch();
-    bench.RunFor(9'000);
-    EXPECT_TRUE(at.hangUpPending.Pending());
-    bench.RunFor(2'500);
-    EXPECT_FALSE(at.hangUpPending.Pending());
-    EXPECT_TRUE(at.dialPending.Pending());
-    bench.RunFor(51'000);
-    EXPECT_FALSE(at.OneShotPending());
-    const std::string log = bench.files.Content("log.ini");
-    EXPECT_THAT(log, HasSubstr("[BTNEV]OnCallHooked"));
-    EXPECT_EQ(bench.screens.Count("tip 3"), 1);
-
-    at.ussdPending.Set(bench.runtime.GetTickCount());
-    watch.Watch();
-    at.ussdPending.Take();
-    bench.RunFor(120'000);
-    EXPECT_EQ(bench.screens.Count("warn 16"), 0) << "one that had its result is no failure";
+    bench.unit.Command("calm");
+    bench.unit.Command("hangup");
+    bench.RunFor(15'000);
+    ASSERT_TRUE(calls.Dial("10000"));
+    bench.RunFor(5000);
+    bench.unit.Command("lose 1");
+    calls.HangUp();
+    bench.RunFor(9000);
+    EXPECT_THAT(bench.LogContent(), Not(HasSubstr("hang-up: no final result")));
+    bench.RunFor(3000);
+    EXPECT_THAT(bench.LogContent(), HasSubstr("hang-up: no final result"));
 }
 
 TEST(ProgramWatchTest, BringsTheWindowBackWhenTheProgramHasEnded) {

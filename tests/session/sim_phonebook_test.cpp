@@ -28,13 +28,6 @@ struct PhoneBench : SessionBench {
         unit.Command("book add \"" + name + "\" " + std::to_string(1000 + slot) + " " + std::to_string(slot));
     }
 
-    void Open() {
-        Start("");
-        dialog->OpenModule();
-        ASSERT_TRUE(RunUntilOpenEnds());
-        RunFor(1000);
-    }
-
     std::vector<SimEntry> Entries() { return dialog->Phones().Sim().Entries(); }
     std::vector<int> Slots() {
         std::vector<int> slots;
@@ -95,7 +88,7 @@ TEST(SimPhonebookTest, ReadsBlocksOfTenUntilItHasAll) {
         PhoneBench bench(SimWith(each.slots));
         for (const int slot : each.filled)
             bench.Fill(slot);
-        bench.Open();
+        bench.OpenModule();
         std::vector<std::string> reads;
         for (const std::string& line : bench.unit.TakeTrace()) {
             if (line.starts_with("AT+CPBR")) reads.push_back(line);
@@ -109,7 +102,7 @@ TEST(SimPhonebookTest, NamesNoSlotAbove999AndWaitsForNoEmptyBlock) {
     PhoneBench bench(SimWith(1000));
     bench.Fill(999);
     const std::uint64_t start = bench.runtime.Elapsed();
-    bench.Open();
+    bench.OpenModule();
     EXPECT_THAT(bench.Slots(), ElementsAre(999));
     EXPECT_EQ(bench.unit.Count("AT+CPBR=991,999"), 1);
     EXPECT_LT(bench.runtime.Elapsed() - start, 80'000u) << "100 blocks, of which 99 are empty";
@@ -121,7 +114,7 @@ TEST(SimPhonebookTest, ReadsAFullSimWhateverTheChunks) {
         for (int slot = 1; slot <= 250; ++slot)
             bench.Fill(slot, "张三李四王五赵六钱七孙八周九");
         bench.unit.Command(fault);
-        bench.Open();
+        bench.OpenModule();
         const auto entries = bench.Entries();
         ASSERT_EQ(entries.size(), 250u) << fault;
         EXPECT_EQ(entries[249], (SimEntry{250, "1250", "张三李四王五赵六钱七孙八周九"}));
@@ -254,7 +247,7 @@ TEST(SimPhonebookAnswers, AreReadWhateverTheirShape) {
 TEST(SimPhonebookEditing, WritesInUcs2AndGoesBackToGsm) {
     PhoneBench bench(SimWith(20));
     bench.Fill(1);
-    bench.Open();
+    bench.OpenModule();
     bench.unit.TakeTrace();
     EXPECT_EQ(bench.Add("你好", "138 0013-8000"), PhoneBookResult::Done);
     EXPECT_THAT(
@@ -279,9 +272,7 @@ TEST(SimPhonebookEditing, SaysWhyItCannot) {
     PhoneBench bench(SimWith(2));
     bench.Start("");
     EXPECT_EQ(bench.Add("a", "1"), PhoneBookResult::ModuleClosed);
-    bench.dialog->OpenModule();
-    ASSERT_TRUE(bench.RunUntilOpenEnds());
-    bench.RunFor(1000);
+    bench.OpenModule();
     bench.unit.TakeTrace();
     const struct {
         const char* name;
@@ -314,7 +305,7 @@ TEST(SimPhonebookEditing, NeverWritesOverAnEntryThatWasNotRead) {
     for (int slot = 1; slot <= 11; ++slot) {
         if (slot != 5) bench.Fill(slot);
     }
-    bench.Open();
+    bench.OpenModule();
     EXPECT_THAT(bench.Slots(), ElementsAre(1, 2, 3, 4, 6, 7, 8, 9, 10)) << "the last slot is not read";
     EXPECT_EQ(bench.Add("new", "5"), PhoneBookResult::Done);
     EXPECT_EQ(bench.Add("newer", "6"), PhoneBookResult::SimFull);
@@ -325,7 +316,7 @@ TEST(SimPhonebookEditing, NeverWritesOverAnEntryThatWasNotRead) {
 TEST(SimPhonebookEditing, KeepsApartFromMessagesAndThePoll) {
     for (std::uint64_t seed = 1; seed <= 40; ++seed) {
         PhoneBench bench(SimWith(50), seed);
-        bench.Open();
+        bench.OpenModule();
         bench.dialog->Messages().SendSMDll("10010", "meanwhile");
         bench.unit.Command("sms 10086 \"and another\"");
         bench.RunFor(static_cast<Ticks>(seed * 37));
@@ -347,7 +338,7 @@ TEST(PhoneBookTest, LooksIntoTheLocalBookFirst) {
     PhoneBench bench(SimWith(20));
     bench.unit.Command("book add \"on the SIM\" 111");
     bench.unit.Command("book add \"hidden\" 222");
-    bench.Open();
+    bench.OpenModule();
     const auto local = [&](const char* name, std::array<std::string, 4> numbers) {
         return bench.Do([&](PhoneBook& phones, auto done) {
             phones.Add(PhoneBookKind::Local, {name, numbers}, done);
