@@ -32,9 +32,7 @@ struct CallScreens : SessionBench {
         context.emplace(ScreenContext{desktop, *dialog, platform});
         shown.Start(*context, {});
         dialog->OnInitDialog("", LogLevel::Debug);
-        dialog->OpenModule();
-        EXPECT_TRUE(RunUntilOpenEnds());
-        RunFor(1000);
+        OpenModule();
         unit.TakeTrace();
     }
     ~CallScreens() {
@@ -85,14 +83,6 @@ struct CallScreens : SessionBench {
         return code;
     }
     static std::string TextOf(Dialog& screen, int id) { return screen.Get<StaticText>(id).GetWindowText(); }
-    // What the modem was sent since the trace was last taken, without the signal poll.
-    std::vector<std::string> Commands() {
-        std::vector<std::string> commands;
-        for (std::string& line : unit.TakeTrace()) {
-            if (line.starts_with("AT") && line != "AT+CSQ") commands.push_back(std::move(line));
-        }
-        return commands;
-    }
 
     ScratchDirectory scratch;
     LinuxUnitFiles unitFiles;

@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/memory_files.h"
 #include "tests/support/memory_terminal.h"
-#include "tests/support/virtual_runtime.h"
+#include "tests/support/session_bench.h"
+#include "ui/headless_commands.h"
 #include "ui/headless_screens.h"
 #include "ui/warn_texts.h"
 
@@ -157,6 +157,74 @@ TEST_F(HeadlessTest, KnowsAKeyForEveryWarning) {
     EXPECT_EQ(WarnText(WarnCode::PortOpenFailed, *language), "打开3G串口失败，机器需要重启，3G才能正常使用");
     EXPECT_EQ(WarnText(static_cast<WarnCode>(0), *language), "");
     EXPECT_EQ(WarnText(static_cast<WarnCode>(40), *language), "");
+}
+
+// What is typed, and what it prints in a row.
+using Dialogue = std::vector<std::pair<const char*, const char*>>;
+
+struct HeadlessCommandsTest : testing::Test {
+    HeadlessCommandsTest() {
+        bench.unit.Command("book add \"王五\" 10010");
+        bench.dialUp.connects = true;
+        bench.OpenModule();
+        commands.emplace(*bench.dialog, bench.windows, bench.codePage, terminal);
+    }
+
+    std::string Answer(std::string_view line) {
+        commands->Run(line);
+        bench.RunFor(6000);
+        std::string text;
+        for (const std::string& each : terminal.TakeLines())
+            text += (text.empty() ? "" : "|") + each;
+        return text;
+    }
+    void Converse(const Dialogue& dialogue) {
+        for (const auto& [line, expected] : dialogue)
+            EXPECT_EQ(Answer(line), expected) << line;
+    }
+
+    SessionBench bench;
+    MemoryTerminal terminal{bench.loop};
+    std::optional<HeadlessCommands> commands;
+};
+
+TEST_F(HeadlessCommandsTest, DialTestAndObeyTheUnit) {
+    Converse({
+        {"data", "[data] connected, CMCC, access point \"CMNET\""},
+        {"test", "[data] the link works"},
+        {"data off", ""},
+        {"data", "[data] off, CMCC, access point \"CMNET\""},
+        {"test", "[data] nobody answers"},
+        {"data on", ""},
+        {"key 5G", "[error] not a key of the unit"},
+        {"post 3Gwindow_HIDE", ""},
+    });
+    EXPECT_TRUE(bench.dialog->Data().Connected());
+    EXPECT_TRUE(bench.dialog->State().m_bWindowHidden);
+}
+
+TEST_F(HeadlessCommandsTest, KeepThePhonebook) {
+    Converse({
+        {"add \"Anna Maria\" +491", "[phonebook] added"},
+        {"add-sim Bob  10086", "[phonebook] added"},
+        {"phonebook",
+         "[phonebook] 3 entries|  1  Anna Maria  +491|  2  王五  10010  (SIM)|  3  Bob  10086  (SIM)"},
+        {"phonebook \"a m\"", "[phonebook] 1 entry|  1  Anna Maria  +491"},
+        {"find 10086", "[phonebook] 10086 is Bob"},
+        {"find 112", "[phonebook] 112 is 112"},
+        {"add Bob", "[error] a name and a number are wanted"},
+        {"add-sim Bob x", "[error] that is no number"},
+        {"remove 2", "[error] the list has no entry \"2\""},
+        {"change 1 \"Ann\" 111", "[phonebook] changed"},
+        {"find 111", "[phonebook] 111 is Ann"},
+        {"phonebook Ann", "[phonebook] 1 entry|  1  Ann  111"},
+        {"remove 1", "[phonebook] removed"},
+        {"remove 1", "[error] that entry is gone"},
+        {"phonebook 10", "[phonebook] 2 entries|  1  王五  10010  (SIM)|  2  Bob  10086  (SIM)"},
+        {"remove 2", "[phonebook] removed"},
+        {"find", "[error] usage: find NUMBER"},
+    });
+    EXPECT_THAT(Answer("help"), HasSubstr("  add-sim NAME NUMBER   a new entry on the SIM"));
 }
 
 }  // namespace

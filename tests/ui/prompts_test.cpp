@@ -41,23 +41,6 @@ TEST(WarnDlg, TheModeDecidesWhichButtonsThereAreAndWhere) {
     }
 }
 
-TEST(WarnDlg, ShowsTheTextOfTheCode) {
-    const std::pair<int, std::string> rows[] = {
-        {15, "No SIM card"},
-        {39, "No SIM card"},
-        {0, ""},
-        {40, ""},
-        {-1, ""},
-        {17, "打开3G串口失败，机器需要重启，3G才能正常使用"},
-    };
-    for (const auto& [code, text] : rows) {
-        test::UiBench bench;
-        CWarnDlg dialog(bench.desktop, WarnCode(code), WarnButtonMode::Ok);
-        dialog.Show();
-        EXPECT_EQ(dialog.Get<StaticText>(textId).GetWindowText(), text) << code;
-    }
-}
-
 TEST(WarnDlg, ClosesItselfAfterThreeSecondsAsIfOkHadBeenPressed) {
     test::UiBench bench;
     CWarnDlg dialog(bench.desktop, WarnCode::NoSim, WarnButtonMode::None, true);

@@ -1,13 +1,8 @@
 // The settings screens on the simulated unit, through touches.
-#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/linux/initial_registry.h"
-#include "platform/linux/linux_unit_files.h"
-#include "platform/linux/offscreen_display.h"
-#include "tests/support/scratch.h"
-#include "tests/support/session_bench.h"
+#include "tests/support/screen_bench.h"
 #include "ui/center_dlg.h"
 #include "ui/check_box.h"
 #include "ui/edit_field.h"
@@ -17,7 +12,6 @@
 #include "ui/radio_group.h"
 #include "ui/settings_dlg.h"
 #include "ui/skin_button.h"
-#include "ui/soft_keyboard.h"
 #include "ui/static_text.h"
 #include "ui/warn_dlg.h"
 
@@ -26,20 +20,7 @@ namespace {
 
 using testing::ElementsAre;
 
-struct SettingsBench : test::SessionBench {
-    explicit SettingsBench(const std::string& skin = "night", const std::string& languageName = "english")
-        : pictures(scratch.Path(), VARKEL_ASSETS, VARKEL_ASSETS "/skin-" + skin),
-          texts(pictures, languageName),
-          display(loop, pictures),
-          desktop({loop, display, windows, pictures, registry, texts}),
-          keyboard(desktop) {
-        LoadInitialRegistry(registry,
-                            test::FileContent(std::string(VARKEL_ASSETS "/skin-") + skin + "/registry.txt"));
-        Settings(registry).WriteDword(Settings::dialogTypeKey, "Gprs", 0);
-        Start("");
-        context = std::make_unique<ScreenContext>(ScreenContext{desktop, *dialog, platform});
-    }
-
+struct SettingsBench : test::ScreenBench {
     CVarkelDlg& Session() { return *dialog; }
     void Open() {
         dialog->OpenModule(false);
@@ -50,7 +31,6 @@ struct SettingsBench : test::SessionBench {
 
     // Runs the steps one after the other, also while a screen that one of them has opened is modal, and
     // closes what they leave open.
-    using Step = std::function<void()>;
     void Play(const std::vector<Step>& steps) {
         constexpr TimerId stepTimer = 9003;
         std::size_t next = 0;
@@ -91,23 +71,11 @@ struct SettingsBench : test::SessionBench {
     }
     void TapModem(int item) { TapItem(CSettingsDlg::modemId, item, {282, 63}); }
     void TapOperators() { TapItem(CDlgNetworkSet::tabsId, 1, {200, 66}); }
-    template <class Screen>
-    Screen* Top() {
-        return dynamic_cast<Screen*>(desktop.Active());
-    }
     void Type(int field, const std::string& text) {
         desktop.Active()->Get<EditField>(field).SetWindowText("");
         desktop.Active()->SetFocus(&desktop.Active()->Get<EditField>(field));
         display.Key({KeyCode::None, text});
     }
-
-    test::ScratchDirectory scratch;
-    LinuxUnitFiles pictures;
-    Language texts;
-    OffscreenDisplay display;
-    Desktop desktop;
-    SoftKeyboard keyboard;
-    std::unique_ptr<ScreenContext> context;
 
   private:
     static constexpr Ticks stepTime = 20;
