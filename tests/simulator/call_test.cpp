@@ -88,6 +88,35 @@ TEST_F(Calls, GetTheirResultFromTheFarEnd) {
     EXPECT_EQ(bench.Pass(1), "|OK|");
 }
 
+TEST_F(Calls, EndWithWhatCarriesThem) {
+    struct Loss {
+        const char* command;
+        const char* after;
+        const char* heard;
+    };
+    const Loss losses[] = {{"network off", "network on", "|NO CARRIER|"},
+                           {"sim out", "sim in", "|NO CARRIER||+CSMINS: 1,0||+CSMINS: 1,1|"},
+                           {"usb down", "usb up", ""},
+                           {"vanish", "appear", ""},
+                           {"module restart", "state", ""},
+                           {"module off", "module on", ""}};
+    for (const Loss& loss : losses) {
+        bench.Do({"call 10010"});
+        bench.Ask("ATA");
+        ASSERT_TRUE(Engaged()) << loss.command;
+        bench.Do({loss.command});
+        EXPECT_FALSE(Engaged()) << loss.command;
+        EXPECT_THAT(bench.networkSaid.back(), HasSubstr("the call with 10010 ends: the module"))
+            << loss.command;
+        bench.Do({"call 10011"});
+        bench.Do({loss.after});
+        const std::string heard = bench.Pass(20'000);
+        EXPECT_EQ(heard.substr(0, heard.find("|RING|")), loss.heard) << loss.command;
+        bench.unit.Command("hangup", bench.now);
+        bench.Ask("ATE0");
+    }
+}
+
 TEST_F(Calls, LeaveServiceCodesToTheNetwork) {
     bench.unit.HostWrites("AT+CUSD=1,\"*100#\",15\r", bench.now);
     EXPECT_EQ(bench.Pass(1100), "|OK||+CUSD: 0,\"Balance: 42.00\",15|");
