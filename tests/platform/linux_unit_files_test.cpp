@@ -113,8 +113,10 @@ TEST_F(LinuxUnitFilesTest, NothingLeadsOutOfTheUnit) {
     EXPECT_TRUE(files.WriteWhole("NandFlash\\link", "own"));
     EXPECT_EQ(files.StartFile("NandFlash\\relative"), nullptr);
     // Nor does a link that waits where a new file is prepared lead there.
-    for (const char* name : {"list.new~", "reserve~"})
-        fs::create_symlink(scratch / "secret", root + "/NandFlash/" + name);
+    for (const char* name : {"/NandFlash/list.new~", "/NandFlash/reserve~"}) {
+        fs::remove(root + name);
+        fs::create_symlink(scratch / "secret", root + name);
+    }
     (void)files.WriteWhole("NandFlash\\list", "own");
     EXPECT_EQ(test::FileContent(scratch / "secret"), "secret");
 }
