@@ -11,7 +11,7 @@ inputs=${VARKEL_FUZZ_RUNS:-10000000}
 seeds=${VARKEL_LONG_SEEDS:-100000}
 # The longest first, so that none is left alone at the end.
 all="uptime fuzz.record_file fuzz.unit_file seeds.receiving fuzz.phone_book fuzz.receive seeds.messages seeds.calls
-fuzz.handlers fuzz.pdu seeds.bring-up seeds.stores fuzz.bmp cuts burst"
+fuzz.handlers fuzz.pdu seeds.bring-up fuzz.bmp cuts burst"
 
 run_lane() {
     case $1 in
@@ -26,7 +26,6 @@ run_lane() {
         cuts) VARKEL_SEEDS=10000 build/release/tests/stores/store_tests --gtest_filter='PowerCut.Leaves*' ;;
         seeds.*)
             case $1 in
-                *.stores) program=stores/store_tests filter='RandomChanges.*' ;;
                 *.bring-up) program=session/session_tests filter='Schedules.EndInOrder*' ;;
                 *.messages) program=session/session_tests filter='Schedules.LoseNoMessage' ;;
                 *.receiving) program=session/session_tests filter='ReceivingManySeeds.*' ;;

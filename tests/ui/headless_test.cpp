@@ -224,7 +224,7 @@ TEST_F(HeadlessCommandsTest, KeepThePhonebook) {
         {"remove 2", "[phonebook] removed"},
         {"find", "[error] usage: find NUMBER"},
     });
-    EXPECT_THAT(Answer("help"), HasSubstr("  add-sim NAME NUMBER   a new entry on the SIM"));
+    EXPECT_THAT(Answer("help"), HasSubstr("  add-sim NAME NUMBER             a new entry on the SIM"));
 }
 
 }  // namespace

@@ -324,7 +324,7 @@ TEST_F(MessageScreens, NewMessagesAreShownOneByOneOrAsTheInbox) {
     EXPECT_EQ(boxes->Get<StaticText>(ListScreen::titleId).GetWindowText(), "New messages: 2");
     bench.Play({bench.Tap(exitButton)});
     EXPECT_EQ(bench.desktop.Active(), nullptr);
-    Boxes().inbox.MarkRead(Boxes().inbox.FindSmsRecord(), 0);
+    ASSERT_EQ(Boxes().inbox.MarkRead(Boxes().inbox.FindSmsRecord(), 0), StoreResult::Done);
     count = 1;
     news.Show();
     EXPECT_EQ(bench.desktop.Active(), nullptr) << "one that has had no room, above one that has been read";

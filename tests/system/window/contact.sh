@@ -5,7 +5,7 @@ tap $contact_mobile
 type_keys 13800138003
 tap $contact_save $contact_row:1 $exit $exit
 
-tap $main_messages $message_new $key_done $write_contact $contact_row:1 $write_text
+tap $main_messages $message_new $write_contact $contact_row:1 $write_text
 type_keys hi
 tap $write_send
 await 30 "message to 8613800138003: \"hi\""

@@ -10,7 +10,7 @@ call_accept=1008
 ussd_reply=1102
 row=1101 # of the lists of messages and calls
 message_new=1012 message_delete=1014 message_reply=1024
-write_contact=1019 write_text=1021 write_send=1022
+write_number=1018 write_contact=1019 write_text=1021 write_send=1022
 contact_row=1030 contact_new=1061 contact_name=1040 contact_mobile=1041 contact_save=1060
 settings_network=1072 settings_modem=1100 network_mode=1101
-key_shift=65537 key_done=65539 # of the soft keyboard; a character's key has the number of that
+key_shift=65537 # of the soft keyboard; a character's key has the number of that

@@ -1,5 +1,5 @@
 # A message is written on the soft keyboard, to a number that is typed, and sent.
-tap $main_messages $message_new
+tap $main_messages $message_new $write_number
 type_keys 10010
 tap $write_text
 type_keys hello
