@@ -4,8 +4,8 @@
 #include <ctime>
 
 #include "tests/support/screen_bench.h"
-#include "ui/call_records_dlg.h"
-#include "ui/phone_book_dlg.h"
+#include "ui/screens/call_records_dlg.h"
+#include "ui/screens/phone_book_dlg.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include "app/unit.h"
 #include "session/varkel_dlg.h"
-#include "ui/headless_commands.h"
-#include "ui/headless_screens.h"
+#include "ui/terminal/headless_commands.h"
+#include "ui/terminal/headless_screens.h"
 
 namespace varkel {
 

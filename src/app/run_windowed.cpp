@@ -7,11 +7,11 @@
 #include "platform/linux/offscreen_display.h"
 #include "platform/linux/sdl_display.h"
 #include "session/varkel_dlg.h"
-#include "ui/headless_commands.h"
 #include "ui/narrated_screens.h"
 #include "ui/phone_screens.h"
 #include "ui/robot_commands.h"
-#include "ui/soft_keyboard.h"
+#include "ui/terminal/headless_commands.h"
+#include "ui/toolkit/soft_keyboard.h"
 
 namespace varkel {
 

@@ -1,8 +1,8 @@
 // Screens that are seen in the window and told on the terminal as well.
 #pragma once
 
-#include "ui/headless_screens.h"
-#include "ui/message_box.h"
+#include "ui/terminal/headless_screens.h"
+#include "ui/toolkit/message_box.h"
 #include "ui/window_screens.h"
 
 namespace varkel {

@@ -3,13 +3,13 @@
 #include <memory>
 #include <string>
 
-#include "ui/call_records_dlg.h"
-#include "ui/dial_pad.h"
-#include "ui/message_boxes_dlg.h"
-#include "ui/new_messages_dlg.h"
-#include "ui/phone_book_dlg.h"
-#include "ui/settings_dlg.h"
-#include "ui/write_message_dlg.h"
+#include "ui/screens/call_records_dlg.h"
+#include "ui/screens/dial_pad.h"
+#include "ui/screens/message_boxes_dlg.h"
+#include "ui/screens/new_messages_dlg.h"
+#include "ui/screens/phone_book_dlg.h"
+#include "ui/screens/settings_dlg.h"
+#include "ui/screens/write_message_dlg.h"
 
 namespace varkel {
 

@@ -1,7 +1,7 @@
 // The way from the main screen to every other one.
 #pragma once
 
-#include "ui/screen_context.h"
+#include "ui/screens/screen_context.h"
 #include "ui/window_screens.h"
 
 namespace varkel {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/text.h"
-#include "ui/dialog.h"
+#include "ui/toolkit/dialog.h"
 
 namespace varkel {
 

@@ -9,8 +9,8 @@
 
 #include "platform/display.h"
 #include "platform/terminal.h"
-#include "ui/control.h"
-#include "ui/desktop.h"
+#include "ui/toolkit/control.h"
+#include "ui/toolkit/desktop.h"
 
 namespace varkel {
 

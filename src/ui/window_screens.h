@@ -11,13 +11,13 @@
 
 #include "platform/guarded.h"
 #include "session/screens.h"
-#include "ui/call_in_dlg.h"
-#include "ui/cancel_button.h"
-#include "ui/main_screen.h"
-#include "ui/number_dlg.h"
-#include "ui/prompt_dlg.h"
-#include "ui/ussd_dlg.h"
-#include "ui/warn_dlg.h"
+#include "ui/screens/call_in_dlg.h"
+#include "ui/screens/cancel_button.h"
+#include "ui/screens/main_screen.h"
+#include "ui/screens/number_dlg.h"
+#include "ui/screens/ussd_dlg.h"
+#include "ui/toolkit/prompt_dlg.h"
+#include "ui/toolkit/warn_dlg.h"
 
 namespace varkel {
 

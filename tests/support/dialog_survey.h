@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/platform/pictures.h"
-#include "ui/dialog.h"
+#include "ui/toolkit/dialog.h"
 
 namespace varkel::test {
 

@@ -11,9 +11,9 @@
 #include "platform/linux/offscreen_display.h"
 #include "tests/support/scratch.h"
 #include "tests/support/session_bench.h"
-#include "ui/desktop.h"
-#include "ui/screen_context.h"
-#include "ui/soft_keyboard.h"
+#include "ui/screens/screen_context.h"
+#include "ui/toolkit/desktop.h"
+#include "ui/toolkit/soft_keyboard.h"
 
 namespace varkel::test {
 

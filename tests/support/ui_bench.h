@@ -13,9 +13,9 @@
 #include "tests/support/memory_windows.h"
 #include "tests/support/scratch.h"
 #include "tests/support/virtual_runtime.h"
-#include "ui/desktop.h"
-#include "ui/message_box.h"
-#include "ui/soft_keyboard.h"
+#include "ui/toolkit/desktop.h"
+#include "ui/toolkit/message_box.h"
+#include "ui/toolkit/soft_keyboard.h"
 
 namespace varkel::test {
 

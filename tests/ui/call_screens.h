@@ -12,8 +12,8 @@
 #include "platform/linux/offscreen_display.h"
 #include "tests/support/scratch.h"
 #include "tests/support/session_bench.h"
-#include "ui/screen_context.h"
-#include "ui/static_text.h"
+#include "ui/screens/screen_context.h"
+#include "ui/toolkit/static_text.h"
 #include "ui/window_screens.h"
 
 namespace varkel::test {

@@ -4,9 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "ui/dial_pad.h"
-#include "ui/edit_field.h"
-#include "ui/skin_button.h"
+#include "ui/screens/dial_pad.h"
+#include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/skin_button.h"
 
 namespace varkel::test {
 namespace {

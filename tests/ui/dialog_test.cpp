@@ -1,11 +1,11 @@
 // Touches, keys, timers and the stack of dialogs.
-#include "ui/dialog.h"
+#include "ui/toolkit/dialog.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/support/ui_bench.h"
-#include "ui/prompt_dlg.h"
-#include "ui/skin_button.h"
+#include "ui/toolkit/prompt_dlg.h"
+#include "ui/toolkit/skin_button.h"
 
 namespace varkel {
 namespace {

@@ -4,9 +4,9 @@
 
 #include "tests/support/memory_terminal.h"
 #include "tests/support/session_bench.h"
-#include "ui/headless_commands.h"
-#include "ui/headless_screens.h"
-#include "ui/warn_texts.h"
+#include "ui/terminal/headless_commands.h"
+#include "ui/terminal/headless_screens.h"
+#include "ui/toolkit/warn_texts.h"
 
 namespace varkel::test {
 namespace {

@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/ui_bench.h"
-#include "ui/check_box.h"
-#include "ui/list_box.h"
-#include "ui/radio_group.h"
-#include "ui/skin_scroll_bar.h"
+#include "ui/toolkit/check_box.h"
+#include "ui/toolkit/list_box.h"
+#include "ui/toolkit/radio_group.h"
+#include "ui/toolkit/skin_scroll_bar.h"
 
 namespace varkel {
 namespace {

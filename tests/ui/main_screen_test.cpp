@@ -1,5 +1,5 @@
 // The main screen's cells, seams, modes and bar, as a finger meets them.
-#include "ui/main_screen.h"
+#include "ui/screens/main_screen.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,15 +2,15 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/screen_bench.h"
-#include "ui/edit_field.h"
-#include "ui/message_boxes_dlg.h"
-#include "ui/new_messages_dlg.h"
-#include "ui/radio_group.h"
-#include "ui/read_message_dlg.h"
-#include "ui/skin_button.h"
-#include "ui/static_text.h"
-#include "ui/warn_dlg.h"
-#include "ui/write_message_dlg.h"
+#include "ui/screens/message_boxes_dlg.h"
+#include "ui/screens/new_messages_dlg.h"
+#include "ui/screens/read_message_dlg.h"
+#include "ui/screens/write_message_dlg.h"
+#include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/radio_group.h"
+#include "ui/toolkit/skin_button.h"
+#include "ui/toolkit/static_text.h"
+#include "ui/toolkit/warn_dlg.h"
 
 namespace varkel {
 namespace {

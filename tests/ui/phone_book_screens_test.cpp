@@ -2,14 +2,14 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/screen_bench.h"
-#include "ui/call_records_dlg.h"
-#include "ui/contact_dlg.h"
-#include "ui/edit_contact_dlg.h"
-#include "ui/edit_field.h"
-#include "ui/phone_book_dlg.h"
-#include "ui/skin_button.h"
-#include "ui/static_text.h"
-#include "ui/warn_dlg.h"
+#include "ui/screens/call_records_dlg.h"
+#include "ui/screens/contact_dlg.h"
+#include "ui/screens/edit_contact_dlg.h"
+#include "ui/screens/phone_book_dlg.h"
+#include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/skin_button.h"
+#include "ui/toolkit/static_text.h"
+#include "ui/toolkit/warn_dlg.h"
 
 namespace varkel {
 namespace {

@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/ui_bench.h"
-#include "ui/message_box.h"
-#include "ui/radio_group.h"
-#include "ui/skin_button.h"
-#include "ui/static_text.h"
-#include "ui/warn_dlg.h"
+#include "ui/toolkit/message_box.h"
+#include "ui/toolkit/radio_group.h"
+#include "ui/toolkit/skin_button.h"
+#include "ui/toolkit/static_text.h"
+#include "ui/toolkit/warn_dlg.h"
 
 namespace varkel {
 namespace {

@@ -3,17 +3,17 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/screen_bench.h"
-#include "ui/center_dlg.h"
-#include "ui/check_box.h"
-#include "ui/edit_field.h"
-#include "ui/isp_dlg.h"
-#include "ui/list_box.h"
-#include "ui/network_set_dlg.h"
-#include "ui/radio_group.h"
-#include "ui/settings_dlg.h"
-#include "ui/skin_button.h"
-#include "ui/static_text.h"
-#include "ui/warn_dlg.h"
+#include "ui/screens/center_dlg.h"
+#include "ui/screens/isp_dlg.h"
+#include "ui/screens/network_set_dlg.h"
+#include "ui/screens/settings_dlg.h"
+#include "ui/toolkit/check_box.h"
+#include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/list_box.h"
+#include "ui/toolkit/radio_group.h"
+#include "ui/toolkit/skin_button.h"
+#include "ui/toolkit/static_text.h"
+#include "ui/toolkit/warn_dlg.h"
 
 namespace varkel {
 namespace {

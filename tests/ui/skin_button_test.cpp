@@ -1,9 +1,9 @@
-#include "ui/skin_button.h"
+#include "ui/toolkit/skin_button.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/support/ui_bench.h"
-#include "ui/dialog.h"
+#include "ui/toolkit/dialog.h"
 
 namespace varkel {
 namespace {

@@ -3,10 +3,10 @@
 
 #include "tests/support/dialog_survey.h"
 #include "tests/support/ui_bench.h"
-#include "ui/edit_field.h"
-#include "ui/message_box.h"
-#include "ui/prompt_dlg.h"
-#include "ui/warn_dlg.h"
+#include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/message_box.h"
+#include "ui/toolkit/prompt_dlg.h"
+#include "ui/toolkit/warn_dlg.h"
 
 namespace varkel {
 namespace {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/ui_bench.h"
-#include "ui/edit_field.h"
+#include "ui/toolkit/edit_field.h"
 
 namespace varkel {
 namespace {
