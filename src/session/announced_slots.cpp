@@ -18,6 +18,7 @@ void AnnouncedSlots::Announce(SimSlot slot) {
     m_last = slot;
     if (!m_highest || slot.Number() > m_highest->Number()) m_highest = slot;
     At(slot).held = true;
+    At(slot).emptied = false;
     At(slot).attempts = 0;
     Queue(slot);
     for (int number = 0; number <= SimSlot::largest; ++number) {
@@ -47,7 +48,14 @@ void AnnouncedSlots::Done(SimSlot slot) {
 
 void AnnouncedSlots::Deleted(SimSlot slot) {
     std::lock_guard lock(m_mutex);
+    // Few modules have a slot 0; where there is none, deleting it is no danger.
+    At(slot).emptied = slot.Number() > 0 || At(slot).read;
     At(slot).read = false;
+}
+
+bool AnnouncedSlots::Emptied(SimSlot slot) const {
+    std::lock_guard lock(m_mutex);
+    return m_slots[static_cast<std::size_t>(slot.Number())].emptied;
 }
 
 bool AnnouncedSlots::Knows(SimSlot slot) const {

@@ -22,7 +22,7 @@ class AnnouncedSlots {
     std::optional<SimSlot> TakeNext();
     // Its message was read: it is kept, or cannot be.
     void Done(SimSlot slot);
-    // It is empty.
+    // It was emptied by the clean-up.
     void Deleted(SimSlot slot);
     // Its message could not be read or kept. It is tried again at the end of the queue, `mostAttempts` times
     // in all; then it waits for the next announcement. False when it was given up for now.
@@ -36,6 +36,9 @@ class AnnouncedSlots {
     bool Holds(SimSlot slot) const;
     // A message is known to be in it.
     bool Knows(SimSlot slot) const;
+    // It was emptied, and nothing is known to have come since. What comes this moment must not be deleted
+    // unread.
+    bool Emptied(SimSlot slot) const;
     // How many messages are known to be on the SIM.
     int Known() const;
     // Another SIM or a module that starts anew: nothing is known.
@@ -47,6 +50,7 @@ class AnnouncedSlots {
     struct State {
         bool held = false;  // announced and not kept
         bool read = false;  // and still there
+        bool emptied = false;
         bool queued = false;
         bool givenUp = false;  // held, and waiting for the next announcement
         std::uint8_t attempts = 0;

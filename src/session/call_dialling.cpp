@@ -41,9 +41,13 @@ bool CallControl::MayDial(std::string_view number, DialString& dialled) {
 
 // Takes the line for an outgoing call; `how` is the flag that it is known by.
 bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
-    const bool free = ChangeCall([how](Call& call) {
+    const std::string name = m_book.NameOf(number);
+    const bool free = ChangeCall([how, &name](Call& call) {
         if (call.Any()) return false;
+        // Without what a caller has left whom nobody was shown.
+        call = Call{};
         call.*how = true;
+        call.m_strCallName = name;
         return true;
     });
     if (!free) {
@@ -53,10 +57,6 @@ bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
     m_signal.Stop();
     const Language& language = m_session.platform.language;
     std::string text = language.LoadString("IDS_CALLING");
-    const std::string name = m_book.NameOf(number);
-    m_call.With([&name](Call& call) {
-        if (call.Outgoing()) call.m_strCallName = name;
-    });
     const std::size_t place = text.find("%s");
     const std::string party = language.Embedded(name);
     text = place == std::string::npos ? text + " " + party : text.replace(place, 2, party);

@@ -248,7 +248,7 @@ bool MessageReceiving::CleanNext() {
         return m_cleaning;
     }
     const auto slot = SimSlot::From(m_cleanNext);
-    if (slot && !m_slots.Holds(*slot)) {
+    if (slot && !m_slots.Holds(*slot) && !m_slots.Emptied(*slot)) {
         if (!m_turn.TryQuietly([&] { m_session.at.cmd_deletems(*slot); })) return false;
         if (m_slots.Knows(*slot)) --m_simUsed;
         m_slots.Deleted(*slot);

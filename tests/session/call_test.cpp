@@ -332,10 +332,7 @@ void LiveWithCalls(std::uint64_t seed) {
 }
 
 TEST(CallSchedules, EndAtRest) {
-    for (std::uint64_t seed = 1; seed <= SeedCount(2000); ++seed) {
-        LiveWithCalls(seed);
-        if (testing::Test::HasFailure()) break;
-    }
+    ForEachSeed(2000, LiveWithCalls);
 }
 
 }  // namespace
