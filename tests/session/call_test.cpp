@@ -302,7 +302,7 @@ void LiveWithCalls(std::uint64_t seed) {
     for (const char* remedy : {"usb up", "calm", "hangup"})
         bench.unit.Command(remedy);
     const std::string where = "seed " + std::to_string(seed);
-    bench.RunFor(60'000);  // by then a lost link has been noticed
+    bench.RunFor(90'000);  // by then a lost link has been noticed, also behind a message without a result
     bench.unit.Command("hangup");
     bench.dialog->OpenModule();
     EXPECT_TRUE(
