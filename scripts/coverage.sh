@@ -17,7 +17,7 @@ VARKEL_SEEDS=${VARKEL_SEEDS:-50} VARKEL_DAYS=${VARKEL_DAYS:-1} dbus-run-session 
 # What only an exception of the standard library reaches is no branch of ours.
 mkdir -p build/coverage/report
 gcovr --root . --filter src/ --exclude-throw-branches --exclude-unreachable-branches -j "$jobs" \
-    --html-details build/coverage/report/index.html --csv build/coverage/report/files.csv build/coverage/src
+    --html-details build/coverage/report/index.html --csv build/coverage/report/files.csv build/coverage
 awk -F, '
     NR > 1 {
         sub("/[^/]*$", "", $1)
