@@ -177,7 +177,7 @@ inline constexpr Exhibit exhibits[] = {
     {"contact",
      [](Gallery& g) -> Exhibit::Screen {
          return g.Open<CContactDlg>(*g.context, g.dialog->Phones().Find(PhoneBooks::Local, "Ann").at(0),
-                                    PhoneBookMode::Use, nullptr);
+                                    PhoneBookMode::Use, [](auto&&...) {});
      }},
     {"new-contact", [](Gallery& g) -> Exhibit::Screen { return g.Open<CEditContactDlg>(*g.context, g.ann); }},
     {"call-records", Plain<CCallRecordsDlg>},
