@@ -4,10 +4,6 @@ namespace varkel {
 
 OffscreenDisplay::OffscreenDisplay(MessageLoop& loop, UnitFiles& files) : PaintedDisplay(loop, files) {}
 
-void OffscreenDisplay::SetWindowText(std::string_view title) {
-    m_title = title;
-}
-
 void OffscreenDisplay::Touch(TouchAction action, Point at) {
     Input()->SetCursorPos(action == TouchAction::Up ? Point{-1, -1} : at);
     Input()->Put(TouchEvent{action, at});

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "platform/linux/painted_display.h"
 
@@ -13,7 +14,7 @@ class OffscreenDisplay final : public PaintedDisplay {
   public:
     OffscreenDisplay(MessageLoop& loop, UnitFiles& files);
 
-    void SetWindowText(std::string_view title) override;
+    void SetWindowText(std::string_view) override {}
 
     // The user, as the message loop will tell. Any thread.
     void Touch(TouchAction action, Point at);
@@ -26,13 +27,10 @@ class OffscreenDisplay final : public PaintedDisplay {
     const Bitmap& Picture() const { return BackBuffer(); }
     // False when the file cannot be written.
     [[nodiscard]] bool SavePng(const std::string& file) const;
-    const std::string& WindowText() const { return m_title; }
 
   private:
     void Present(const Rect&) override {}
     void ShowOnScreen(bool) override {}
-
-    std::string m_title;
 };
 
 }  // namespace varkel

@@ -70,7 +70,6 @@ class Dialog {
         assert(found);
         return *found;
     }
-    const std::vector<std::unique_ptr<Control>>& Controls() const { return m_controls; }
     // What a finger can touch now.
     virtual std::vector<TouchTarget> Targets() const;
 

@@ -22,11 +22,6 @@ void RadioGroup::Select(int item) {
     Invalidate();
 }
 
-void RadioGroup::SetItemText(int item, std::string_view text) {
-    m_texts.at(static_cast<std::size_t>(item)) = text;
-    Invalidate();
-}
-
 void RadioGroup::SetTextStyle(const TextStyle& style) {
     m_style = style;
     Invalidate();

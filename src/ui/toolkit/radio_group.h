@@ -19,7 +19,6 @@ class RadioGroup final : public Control {
     // Counted from 0. Selecting by the program does not click.
     void Select(int item);
     int Selected() const { return m_selected; }
-    void SetItemText(int item, std::string_view text);
     void SetTextStyle(const TextStyle& style);
 
     void Draw(Canvas& canvas) override;
