@@ -29,7 +29,7 @@ struct Target {
     }
 
     void Handle(unsigned handler, std::string_view text) {
-        switch (handler % 20) {
+        switch (handler % 21) {
             case 0: sim.OnCpin(text); break;
             case 1: sim.OnUrcInd(text); break;
             case 2: sim.OnSimInserted(text); break;
@@ -52,6 +52,7 @@ struct Target {
             case 16: calls.OnRing(text); break;
             case 17: signal.OnSignalStatus(text); break;
             case 18: clients.OnCopyData(Word(text) % 8, std::as_bytes(std::span(text))); break;
+            case 19: messages.OnCpms(text); break;
             default: clients.OnMessage({WM_USER + 1000 + Word(text) % 8, Word(text), 0}); break;
         }
     }

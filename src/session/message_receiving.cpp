@@ -99,7 +99,7 @@ bool MessageReceiving::OnCpms(std::string_view text) {
     if (comma == std::string_view::npos || !ParseInt(line, used) || !ParseInt(line.substr(comma + 1), total))
         return false;
     m_simTotal = std::clamp(total, 0, SimSlot::largest);
-    m_simUsed = used;
+    m_simUsed = std::clamp(used, 0, SimSlot::largest + 1);
     return used > m_slots.Known();
 }
 
