@@ -115,11 +115,18 @@ void ModuleControl::Recover() {
     for (int attempt = 1; attempt <= recoveryAttempts; ++attempt) {
         const bool last = attempt == recoveryAttempts;
         m_session.state.g_bSilentOpen = silent || !last;
-        if (!m_waits.Pause(recoveryPause) || Network_interface_Connect(last)) break;
+        if (!m_waits.Pause(recoveryPause)) break;
+        m_linkLost = false;
+        if (Network_interface_Connect(last)) break;
     }
     m_session.state.g_bSilentOpen = silent;
     m_recovering = false;
-    m_linkLost = false;
+    // A link that was lost behind the last step of the attempt is lost once more.
+    if (m_linkLost && m_session.state.m_bModuleOpen) {
+        Request(Job::Recover);
+    } else {
+        m_linkLost = false;
+    }
 }
 
 // From here on a cancel ends the waits; one that belongs to a request which is still queued does so at once.
