@@ -32,9 +32,8 @@ TEST_F(RealThreads, ComeBackAfterTheDeviceVanished) {
     unit.Command("vanish");
     ASSERT_TRUE(RunUntil([this] { return screens.Count("warn 18") == 1; }, 30'000));
     unit.Command("appear");
-    EXPECT_TRUE(RunUntil([this] { return windows.CountPosted("3G_OPEN_END 0 0") == 2; }, 120'000));
-    RunUntil([] { return false; }, 500);
-    // Down until a poll has found out.
+    EXPECT_TRUE(RunUntil([this] { return Open(); }, 120'000));
+    // At once, while the recovery is about to end; down until a poll has found out.
     unit.Command("usb down");
     ASSERT_TRUE(RunUntil([this] { return screens.Count("warn 18") == 2; }, 60'000));
     unit.Command("usb up");
