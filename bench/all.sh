@@ -1,5 +1,5 @@
 #!/bin/sh
-# Every figure of docs/performance.md, on a machine that has nothing else to do; about five minutes.
+# Every figure of docs/performance.md, on a machine that has nothing else to do; about ten minutes.
 #
 #     bench/all.sh [BUILD-DIRECTORY] >figures.txt
 set -eu

@@ -1,8 +1,8 @@
 #include "assets/skin/palette.h"
 
 #include <array>
-#include <charconv>
 
+#include "platform/color_text.h"
 #include "platform/key_file.h"
 
 namespace varkel::skin {
@@ -59,15 +59,6 @@ constexpr std::string_view sizes =
     "BTBtnFontSize = dword:28\n"
     "BTBtnFontWeight = dword:400\n";
 
-std::optional<Color> ParseColor(std::string_view text) {
-    if (text.size() != 7 || text[0] != '#') return std::nullopt;
-    std::uint32_t rgb = 0;
-    const auto [end, error] = std::from_chars(text.data() + 1, text.data() + text.size(), rgb, 16);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return Color{static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8 & 0xFF),
-                 static_cast<std::uint8_t>(rgb & 0xFF)};
-}
-
 }  // namespace
 
 std::string Hex(Color color) {
@@ -88,12 +79,14 @@ std::optional<Palette> Palette::Parse(std::string_view text, std::string& proble
     }
     Palette palette;
     for (const Name& name : names) {
-        const auto color = ParseColor(file.Get("", name.name, ""));
-        if (!color) {
+        const auto rgb = ParseColor(file.Get("", name.name, ""));
+        if (!rgb) {
             problem = "no colour for " + std::string(name.name);
             return std::nullopt;
         }
-        palette.*name.color = *color;
+        palette.*name.color = {static_cast<std::uint8_t>(*rgb >> 16),
+                               static_cast<std::uint8_t>(*rgb >> 8 & 0xFF),
+                               static_cast<std::uint8_t>(*rgb & 0xFF)};
     }
     if (file.Entries().size() != std::size(names)) {
         problem = "a colour that has no use, or one twice";

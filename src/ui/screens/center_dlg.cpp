@@ -1,6 +1,7 @@
 #include "ui/screens/center_dlg.h"
 
 #include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/warn_dlg.h"
 
 namespace varkel {
@@ -20,17 +21,12 @@ constexpr EditSpec edits[] = {
      .height = 40},
 };
 constexpr ButtonSpec buttons[] = {
-    {.id = idOk,
-     .rect = {612, 58, 180, 104},
-     .picture = "ItemSave",
-     .disabled = DisabledPicture::Dis,
-     .caption = "IDS_SAVE",
-     .textOffset = 58},
-    {.id = CCenterDlg::exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
+    form::Save(idOk),
+    form::Exit(CCenterDlg::exitId),
 };
 constexpr DialogSpec spec{
-    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
-    .background = "GroupBlackList",
+    .directory = form::directory,
+    .background = form::background,
     .texts = texts,
     .buttons = buttons,
     .edits = edits,

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ui/screens/edit_contact_dlg.h"
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/list_box.h"
 #include "ui/toolkit/skin_button.h"
 #include "ui/toolkit/static_text.h"
@@ -32,14 +33,10 @@ constexpr TextSpec texts[] = {
 };
 constexpr ListSpec lists[] = {{listId, listRect, 86}};
 
+// Four of them, so that they stand without gaps.
 constexpr ButtonSpec Action(int place, int id, std::string_view picture, DisabledPicture disabled,
                             std::string_view caption) {
-    return {.id = id,
-            .rect = {612, 58 + place * 104, 180, 104},
-            .picture = picture,
-            .disabled = disabled,
-            .caption = caption,
-            .textOffset = 58};
+    return form::ActionAt(58 + place * 104, id, picture, disabled, caption);
 }
 constexpr ButtonSpec buttons[] = {
     Action(0, callId, "Key", DisabledPicture::Disable, "IDS_CALL"),
@@ -47,11 +44,11 @@ constexpr ButtonSpec buttons[] = {
     Action(1, messageId, "BuildMsm", DisabledPicture::Dis, "IDS_MESSAGE"),
     Action(2, editId, "ItemEdit", DisabledPicture::Dis, "IDS_EDIT"),
     Action(3, deleteId, "Delete", DisabledPicture::Disable, "IDS_DELETE"),
-    {.id = exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
+    form::Exit(exitId),
 };
 constexpr DialogSpec spec{
-    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
-    .background = "GroupBlackList",
+    .directory = form::directory,
+    .background = form::background,
     .texts = texts,
     .buttons = buttons,
     .lists = lists,

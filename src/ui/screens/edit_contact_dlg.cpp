@@ -5,6 +5,7 @@
 
 #include "platform/text.h"
 #include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/static_text.h"
 #include "ui/toolkit/warn_dlg.h"
 
@@ -48,17 +49,12 @@ constexpr EditSpec edits[] = {
     Field(3, EditInput::PhoneNumber), Field(4, EditInput::PhoneNumber),
 };
 constexpr ButtonSpec buttons[] = {
-    {.id = saveId,
-     .rect = {612, 58, 180, 104},
-     .picture = "ItemSave",
-     .disabled = DisabledPicture::Dis,
-     .caption = "IDS_SAVE",
-     .textOffset = 58},
-    {.id = exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
+    form::Save(saveId),
+    form::Exit(exitId),
 };
 constexpr DialogSpec spec{
-    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
-    .background = "GroupBlackList",
+    .directory = form::directory,
+    .background = form::background,
     .texts = texts,
     .buttons = buttons,
     .edits = edits,

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/skin_button.h"
 #include "ui/toolkit/static_text.h"
 #include "ui/toolkit/warn_dlg.h"
@@ -13,7 +14,6 @@ namespace {
 
 constexpr int titleId = 1100;
 constexpr int stateId = 1121;
-constexpr int captionOffset = 58;
 
 struct FieldSpec {
     std::string IspText::*text;
@@ -63,24 +63,14 @@ constexpr EditSpec edits[] = {Field(0), Field(1), Field(2), Field(3), Field(4), 
 static_assert(std::size(edits) == fieldCount);
 
 constexpr ButtonSpec buttons[] = {
-    {.id = CDlgISP::saveId,
-     .rect = {612, 58, 180, 104},
-     .picture = "ItemSave",
-     .disabled = DisabledPicture::Dis,
-     .caption = "IDS_SAVE",
-     .textOffset = captionOffset},
-    {.id = CDlgISP::deleteId,
-     .rect = {612, 170, 180, 104},
-     .picture = "Delete",
-     .disabled = DisabledPicture::Disable,
-     .caption = "IDS_DELETE",
-     .textOffset = captionOffset},
-    {.id = CDlgISP::exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
+    form::Save(CDlgISP::saveId),
+    form::Action(1, CDlgISP::deleteId, "Delete", DisabledPicture::Disable, "IDS_DELETE"),
+    form::Exit(CDlgISP::exitId),
 };
 
 constexpr DialogSpec spec{
-    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
-    .background = "GroupBlackList",
+    .directory = form::directory,
+    .background = form::background,
     .texts = texts,
     .buttons = buttons,
     .edits = edits,

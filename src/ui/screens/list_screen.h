@@ -44,44 +44,22 @@ class ListScreen : public Dialog {
                 .look = RadioLook::Tab,
                 .role = TextRole::Button};
     }
-    static constexpr TextSpec Title(std::string_view caption) {
-        return {.id = titleId,
-                .rect = {14, 0, 506, 50},
-                .caption = caption,
-                .role = TextRole::Title,
-                .mirroredIn = titleBar};
-    }
-    static constexpr TextSpec Counter() {
-        return {.id = counterId,
-                .rect = {530, 0, 186, 50},
-                .role = TextRole::Secondary,
-                .format = rightInBar,
-                .mirroredIn = titleBar};
-    }
+    static constexpr TextSpec Title(std::string_view caption) { return form::ListTitle(titleId, caption); }
+    static constexpr TextSpec Counter() { return form::Counter(counterId); }
     // What stands in place of the rows when there are none.
     static constexpr TextSpec Empty(std::string_view caption) {
         return {emptyId, {24, 258, 508, 88}, caption, TextRole::Body, inTheMiddle};
     }
     // A button of the column at the right, counted from 0.
     static constexpr auto Action = form::Action;
-    static constexpr ButtonSpec PageUp() {
-        return {.id = pageUpId,
-                .rect = {612, 394, 88, 80},
-                .picture = "PageUp",
-                .disabled = DisabledPicture::Dis};
-    }
-    static constexpr ButtonSpec PageDown() {
-        return {.id = pageDownId,
-                .rect = {704, 394, 88, 80},
-                .picture = "PageDown",
-                .disabled = DisabledPicture::Dis};
-    }
+    static constexpr ButtonSpec PageUp() { return form::PageUp(pageUpId); }
+    static constexpr ButtonSpec PageDown() { return form::PageDown(pageDownId); }
     static constexpr ButtonSpec Exit() { return form::Exit(exitId); }
     static constexpr ListSpec List() { return {listId, {8, 130, 540, 344}, 86}; }
     static constexpr PlaceSpec BarPlace() { return {barPlaceId, {552, 130, 48, 344}}; }
 
     static constexpr std::string_view directory = form::directory;
-    static constexpr std::string_view background = "MessageCallrecordInterface";
+    static constexpr std::string_view background = form::listBackground;
 
     // Another program or the modem may have changed what is listed.
     void OnSessionChanged() override { Refresh(); }
@@ -121,8 +99,6 @@ class ListScreen : public Dialog {
     ScreenContext& m_context;
 
   private:
-    static constexpr Rect titleBar{14, 0, 702, 50};
-    static constexpr auto rightInBar = TextFormat::Right | TextFormat::VCenter | TextFormat::SingleLine;
     static constexpr auto inTheMiddle = TextFormat::Center | TextFormat::VCenter | TextFormat::WordBreak;
 
     void OnTap(int row);

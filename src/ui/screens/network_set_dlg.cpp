@@ -7,6 +7,7 @@
 #include "session/isp_text.h"
 #include "ui/screens/isp_dlg.h"
 #include "ui/screens/network_mode.h"
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/radio_group.h"
 #include "ui/toolkit/skin_button.h"
 #include "ui/toolkit/warn_dlg.h"
@@ -18,7 +19,6 @@ namespace {
 constexpr int barPlaceId = 1106;
 constexpr int pageUpId = 1107;
 constexpr int pageDownId = 1108;
-constexpr int captionOffset = 58;
 constexpr int builtInRow = 0;
 constexpr std::string_view account = "Account";
 
@@ -47,29 +47,18 @@ constexpr ListSpec lists[] = {{CDlgNetworkSet::listId, {8, 130, 540, 344}, 86}};
 constexpr Rect barPlace{552, 130, 48, 344};
 constexpr PlaceSpec places[] = {{barPlaceId, barPlace}};
 
-constexpr ButtonSpec Action(int top, int id, std::string_view picture, std::string_view caption) {
-    return {.id = id,
-            .rect = {612, top, 180, 104},
-            .picture = picture,
-            .disabled = DisabledPicture::Dis,
-            .caption = caption,
-            .textOffset = captionOffset};
-}
-constexpr ButtonSpec Page(int left, int id, std::string_view picture) {
-    return {.id = id, .rect = {left, 394, 88, 80}, .picture = picture, .disabled = DisabledPicture::Dis};
-}
 constexpr ButtonSpec buttons[] = {
-    Action(58, CDlgNetworkSet::useId, "ItemSelect", "IDS_USE"),
-    Action(170, CDlgNetworkSet::editId, "ItemEdit", "IDS_EDIT"),
-    Action(282, CDlgNetworkSet::newId, "ItemNew", "IDS_NEW"),
-    Page(612, pageUpId, "PageUp"),
-    Page(704, pageDownId, "PageDown"),
-    {.id = CDlgNetworkSet::exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
+    form::Action(0, CDlgNetworkSet::useId, "ItemSelect", DisabledPicture::Dis, "IDS_USE"),
+    form::Action(1, CDlgNetworkSet::editId, "ItemEdit", DisabledPicture::Dis, "IDS_EDIT"),
+    form::Action(2, CDlgNetworkSet::newId, "ItemNew", DisabledPicture::Dis, "IDS_NEW"),
+    form::PageUp(pageUpId),
+    form::PageDown(pageDownId),
+    form::Exit(CDlgNetworkSet::exitId),
 };
 
 constexpr DialogSpec spec{
-    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
-    .background = "MessageCallrecordInterface",
+    .directory = form::directory,
+    .background = form::listBackground,
     .texts = texts,
     .buttons = buttons,
     .lists = lists,

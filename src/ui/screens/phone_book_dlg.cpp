@@ -7,6 +7,7 @@
 #include "ui/screens/edit_contact_dlg.h"
 #include "ui/screens/phone_book_set.h"
 #include "ui/toolkit/edit_field.h"
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/skin_button.h"
 #include "ui/toolkit/skin_scroll_bar.h"
 #include "ui/toolkit/static_text.h"
@@ -27,20 +28,11 @@ constexpr int pageUpId = 1064;
 constexpr int pageDownId = 1066;
 constexpr int exitId = 1075;
 
-constexpr Rect titleBar{14, 0, 702, 50};
 constexpr Rect listRect{8, 130, 540, 344};
 
 constexpr TextSpec texts[] = {
-    {.id = 1000,
-     .rect = {14, 0, 506, 50},
-     .caption = "IDS_ADDRESSLISTMODE",
-     .role = TextRole::Title,
-     .mirroredIn = titleBar},
-    {.id = countId,
-     .rect = {530, 0, 186, 50},
-     .role = TextRole::Secondary,
-     .format = TextFormat::Right | TextFormat::VCenter | TextFormat::SingleLine,
-     .mirroredIn = titleBar},
+    form::ListTitle(1000, "IDS_ADDRESSLISTMODE"),
+    form::Counter(countId),
     {emptyId,
      {24, 130, 508, 150},
      "",
@@ -52,24 +44,19 @@ constexpr ListSpec lists[] = {{listId, listRect, 86}};
 constexpr PlaceSpec places[] = {{barId, {552, 130, 48, 344}}};
 
 constexpr ButtonSpec Action(int place, int id, std::string_view picture, std::string_view caption) {
-    return {.id = id,
-            .rect = {612, 58 + place * 112, 180, 104},
-            .picture = picture,
-            .disabled = DisabledPicture::Dis,
-            .caption = caption,
-            .textOffset = 58};
+    return form::Action(place, id, picture, DisabledPicture::Dis, caption);
 }
 constexpr ButtonSpec buttons[] = {
     Action(0, newId, "ItemNew", "IDS_NEW"),
     Action(1, findId, "ItemFind", "IDS_SEARCH"),
     Action(2, setId, "ItemSet", "IDS_SHOW"),
-    {.id = pageUpId, .rect = {612, 394, 88, 80}, .picture = "PageUp", .disabled = DisabledPicture::Dis},
-    {.id = pageDownId, .rect = {704, 394, 88, 80}, .picture = "PageDown", .disabled = DisabledPicture::Dis},
-    {.id = exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
+    form::PageUp(pageUpId),
+    form::PageDown(pageDownId),
+    form::Exit(exitId),
 };
 constexpr DialogSpec spec{
-    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
-    .background = "MessageCallrecordInterface",
+    .directory = form::directory,
+    .background = form::listBackground,
     .texts = texts,
     .buttons = buttons,
     .edits = edits,

@@ -1,5 +1,6 @@
 #include "ui/screens/phone_book_set.h"
 
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/radio_group.h"
 
 namespace varkel {
@@ -32,10 +33,10 @@ constexpr TextSpec texts[] = {
     Heading(1002, 344, "IDS_SAVE_TO"),
 };
 constexpr RadioSpec radios[] = {Choice(showId, 72, shown), Choice(saveToId, 344, books)};
-constexpr ButtonSpec buttons[] = {{.id = exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"}};
+constexpr ButtonSpec buttons[] = {form::Exit(exitId)};
 constexpr DialogSpec spec{
-    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
-    .background = "GroupBlackList",
+    .directory = form::directory,
+    .background = form::background,
     .texts = texts,
     .buttons = buttons,
     .radios = radios,

@@ -7,6 +7,7 @@
 #include "ui/screens/network_mode.h"
 #include "ui/screens/network_set_dlg.h"
 #include "ui/toolkit/check_box.h"
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/radio_group.h"
 #include "ui/toolkit/skin_button.h"
 #include "ui/toolkit/static_text.h"
@@ -26,7 +27,6 @@ constexpr Ticks answerTime = 100;
 
 constexpr int signalTextId = 1105;
 
-constexpr int captionOffset = 58;
 constexpr Rect dataRow{24, 341, 568, 63};
 constexpr Rect autoOpenPlace{24, 406, 568, 63};
 constexpr Rect autoOpenInCall{24, 276, 568, 63};
@@ -52,14 +52,6 @@ constexpr TextSpec texts[] = {
     {signalTextId, {612, 364, 180, 68}, "", TextRole::Secondary, inColumn},
 };
 
-constexpr ButtonSpec Action(int top, int id, std::string_view picture, std::string_view caption) {
-    return {.id = id,
-            .rect = {612, top, 180, 104},
-            .picture = picture,
-            .disabled = DisabledPicture::Disable,
-            .caption = caption,
-            .textOffset = captionOffset};
-}
 constexpr ButtonSpec Volume(int left, int id, std::string_view picture) {
     return {.id = id, .rect = {left, 62, 88, 80}, .picture = picture, .disabled = DisabledPicture::Disable};
 }
@@ -69,9 +61,9 @@ constexpr ButtonSpec buttons[] = {
     Volume(504, CSettingsDlg::volumeUpId, "SoundAdd"),
     {.id = CSettingsDlg::callRingId, .rect = {276, 146, 316, 62}},
     {.id = CSettingsDlg::noteRingId, .rect = {276, 211, 316, 62}},
-    Action(58, CSettingsDlg::centerId, "SmsSet", "IDS_SERVERNUM"),
-    Action(170, CSettingsDlg::networkId, "NetworkSet", "IDS_NETWORK_MODE"),
-    {.id = CSettingsDlg::exitId, .rect = {730, 0, 70, 50}, .picture = "Exit"},
+    form::Action(0, CSettingsDlg::centerId, "SmsSet", DisabledPicture::Disable, "IDS_SERVERNUM"),
+    form::Action(1, CSettingsDlg::networkId, "NetworkSet", DisabledPicture::Disable, "IDS_NETWORK_MODE"),
+    form::Exit(CSettingsDlg::exitId),
 };
 
 constexpr int modemOn = 0;
@@ -98,8 +90,8 @@ constexpr CheckSpec checks[] = {
 };
 
 constexpr DialogSpec spec{
-    .directory = "\\ResidentFlash2\\bin\\Gprs\\Other\\",
-    .background = "GroupBlackList",
+    .directory = form::directory,
+    .background = form::background,
     .texts = texts,
     .buttons = buttons,
     .radios = radios,

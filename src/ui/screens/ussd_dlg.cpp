@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "modem/at_values.h"
+#include "ui/toolkit/form_parts.h"
 #include "ui/toolkit/skin_button.h"
 #include "ui/toolkit/static_text.h"
 
@@ -18,7 +19,6 @@ constexpr int pageDownId = 1104;
 
 constexpr Rect messagePlace{24, 70, 564, 344};
 constexpr int fontHeights[] = {32, 28, 24};
-constexpr int captionOffset = 58;
 
 constexpr auto oneLine = TextFormat::Left | TextFormat::VCenter | TextFormat::SingleLine;
 constexpr TextSpec texts[] = {
@@ -30,17 +30,9 @@ constexpr ButtonSpec Page(int left, int id, std::string_view picture) {
     return {.id = id, .rect = {left, 394, 88, 80}, .picture = picture, .disabled = DisabledPicture::Dis};
 }
 
-constexpr ButtonSpec Action(int top, int id, std::string_view picture, std::string_view caption) {
-    return {.id = id,
-            .rect = {612, top, 180, 104},
-            .picture = picture,
-            .caption = caption,
-            .textOffset = captionOffset};
-}
-
 constexpr ButtonSpec buttons[] = {
-    Action(58, replyId, "Reply", "IDS_REPLY"),
-    Action(170, idOk, "Return", "IDS_BACK"),
+    form::Action(0, replyId, "Reply", DisabledPicture::Sel, "IDS_REPLY"),
+    form::Action(1, idOk, "Return", DisabledPicture::Sel, "IDS_BACK"),
     Page(612, pageUpId, "\\ResidentFlash2\\bin\\Gprs\\Other\\PageUp"),
     Page(704, pageDownId, "\\ResidentFlash2\\bin\\Gprs\\Other\\PageDown"),
 };

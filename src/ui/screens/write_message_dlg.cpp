@@ -43,12 +43,7 @@ constexpr EditSpec edits[] = {
 constexpr ButtonSpec buttons[] = {
     form::Action(0, sendId, "Send", DisabledPicture::Disable, "Send"),
     form::Action(1, phraseId, "Fixed", DisabledPicture::Disable, "Phrase"),
-    {.id = phoneBookId,
-     .rect = {612, 290, 180, 104},
-     .picture = "SearchItem",
-     .disabled = DisabledPicture::Dis,
-     .caption = "PhoneBook",
-     .textOffset = 58},
+    form::ActionAt(290, phoneBookId, "SearchItem", DisabledPicture::Dis, "PhoneBook"),
     form::Exit(exitId),
 };
 constexpr DialogSpec spec{

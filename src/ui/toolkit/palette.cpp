@@ -1,8 +1,8 @@
 #include "ui/toolkit/palette.h"
 
-#include <charconv>
 #include <string_view>
 
+#include "platform/color_text.h"
 #include "platform/key_file.h"
 
 namespace varkel {
@@ -37,22 +37,15 @@ constexpr Name names[] = {
     {"labelText", &Palette::labelText},
 };
 
-bool ParseColor(std::string_view text, ColorRef& color) {
-    if (text.size() != 7 || text[0] != '#') return false;
-    unsigned value = 0;
-    const auto [end, error] = std::from_chars(text.data() + 1, text.data() + 7, value, 16);
-    if (error != std::errc() || end != text.data() + 7) return false;
-    color = Rgb(value >> 16, value >> 8 & 0xFF, value & 0xFF);
-    return true;
-}
-
 }  // namespace
 
 Palette Palette::Load(UnitFiles& files) {
     Palette palette;
     const KeyFile file = KeyFile::Parse(files.ReadWhole(path, largestFile).value_or(""));
     for (const Name& entry : names) {
-        if (const auto text = file.Find("", entry.name)) ParseColor(*text, palette.*entry.color);
+        const auto text = file.Find("", entry.name);
+        if (const auto rgb = text ? ParseColor(*text) : std::nullopt)
+            palette.*entry.color = Rgb(*rgb >> 16, *rgb >> 8 & 0xFF, *rgb & 0xFF);
     }
     return palette;
 }
