@@ -277,6 +277,15 @@ void LiveWithCalls(std::uint64_t seed) {
     std::size_t dialled = 0;
     const bool dials = seed % 3 == 0;
     bool plain = !dials;  // nothing but calls and messages
+    // A link that is back before anybody looks has taken the end of a call with it: only the user can know.
+    std::uint64_t lost = 0;
+    bool unseen = false;
+    const auto happen = [&](std::string_view event) {
+        constexpr std::uint64_t look = 1100;
+        if (event == "usb down") lost = bench.runtime.Elapsed();
+        if (event == "usb up" && bench.runtime.Elapsed() - lost < look) unseen = true;
+        bench.unit.Command(event);
+    };
     const char* const world[] = {"call 10086",     "call hidden",     "hangup",         "answer",
                                  "busy",           "sms 10010 hello", "usb down",       "usb up",
                                  "late 500ms",     "late 0s",         "module restart", "ussd-ask",
@@ -284,7 +293,7 @@ void LiveWithCalls(std::uint64_t seed) {
     for (int step = 0; step < 14; ++step) {
         bench.RunFor(static_cast<Ticks>(random() % 4000));
         const std::string_view event = world[random() % std::size(world)];
-        bench.unit.Command(event);
+        happen(event);
         plain = plain && !event.starts_with("usb") && !event.starts_with("module");
         switch (dials ? random() % 10 : 2 + random() % 3) {
             case 0: dialled += bench.Calls().Dial("10000") ? 1 : 0; break;
@@ -300,12 +309,11 @@ void LiveWithCalls(std::uint64_t seed) {
         }
     }
     for (const char* remedy : {"usb up", "calm", "hangup"})
-        bench.unit.Command(remedy);
+        happen(remedy);
     const std::string where = "seed " + std::to_string(seed);
     bench.RunFor(90'000);  // by then a lost link has been noticed, also behind a message without a result
     bench.unit.Command("hangup");
-    // A link that came back within a second has taken the end of a call with it.
-    bench.Calls().HangUp();
+    if (unseen) bench.Calls().HangUp();
     bench.dialog->OpenModule();
     EXPECT_TRUE(
         bench.RunUntil([&] { return bench.Mode() == ScreenMode::Idle && !bench.Calls().Busy(); }, 300'000))
