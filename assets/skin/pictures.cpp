@@ -156,6 +156,7 @@ constexpr Picture pictures[] = {
     // Options, tabs, scroll bar
     {"Radio", Files::Option, option, DrawRadio, {.ground = onPanel}},
     {"Radio", Files::Tab, {196, 66}, DrawTab},
+    {"PanelRadio", Files::Tab, {196, 62}, DrawTab, {.ground = onPanel}},
     {"SRadio", Files::Two, smallOption, DrawRadio, {.ground = onLabel}},
     {"Check", Files::Option, option, DrawCheck, {.ground = onPanel}},
     {"Scrollbar/VerticalScrollBarChannel", Files::One, {48, 48}, DrawChannel},

@@ -14,7 +14,7 @@ constexpr int exitId = 1075;
 // In the order of PhoneBooks and PhoneBookKind.
 constexpr std::string_view shown[] = {"IDS_ALL", "IDS_LOCAL", "IDS_SIM"};
 constexpr std::string_view books[] = {"IDS_LOCAL", "IDS_SIM"};
-constexpr std::string_view radio = "\\ResidentFlash2\\bin\\GPRS\\Radio1";
+constexpr std::string_view radio = "\\ResidentFlash2\\bin\\GPRS\\PanelRadio1";
 
 constexpr TextSpec Heading(int id, int left, std::string_view caption) {
     return {id,
