@@ -170,7 +170,7 @@ void CallControl::Established(const Call& call) {
     nCallStatus = Guard::CALL_READY;
 }
 
-// During a call nothing is polled, so that a lost link would not be noticed.
+// While a call is dialled or up nothing is polled, so that a lost link would not be noticed.
 void CallControl::WatchLink() {
     m_session.platform.loop.SetTimer(linkTimer, linkPeriod, [this] {
         if (!Busy()) {

@@ -55,6 +55,7 @@ bool CallControl::BeginDial(std::string_view number, bool Call::*how) {
         return false;
     }
     m_signal.Stop();
+    WatchLink();
     const Language& language = m_session.platform.language;
     std::string text = language.LoadString("IDS_CALLING");
     const std::size_t place = text.find("%s");
