@@ -7,7 +7,7 @@
 #include "ui/toolkit/prompt_dlg.h"
 #include "ui/toolkit/skin_button.h"
 
-namespace varkel {
+namespace varkel::test {
 namespace {
 
 constexpr int left = 5;
@@ -30,10 +30,6 @@ struct TestDialog : Dialog {
         });
         OnClick(small, [this] { clicks += "s"; });
     }
-    void OnInitDialog() override {
-        ++opened;
-        text = LoadText("IDS_NO_SIM");
-    }
     void OnDestroy() override { ++destroyed; }
     void OnTouch(const TouchEvent& event) override {
         if (event.action == TouchAction::Up) clicks += ".";
@@ -42,20 +38,23 @@ struct TestDialog : Dialog {
     using Dialog::SetTimer;
 
     std::string clicks;
-    std::string text;
-    int opened = 0;
     int destroyed = 0;
     std::function<void()> onLeft;
 };
 
-TEST(Dialog, AFingerClicksWhatItPressesAndIsLiftedOn) {
-    struct Row {
+struct DialogTest : testing::Test, UiBench {
+    TestDialog below{desktop};
+    TestDialog above{desktop};
+};
+
+TEST_F(DialogTest, AFingerClicksWhatItPressesAndIsLiftedOn) {
+    struct Case {
         std::vector<TouchEvent> touches;
         std::string clicks;
     };
     constexpr auto down = TouchAction::Down, move = TouchAction::Move, up = TouchAction::Up;
     constexpr Point on{150, 240}, off{400, 400}, beside{570, 270}, onSmall{610, 310};
-    const Row rows[] = {
+    const Case cases[] = {
         {{{down, on}, {up, on}}, "l"},
         {{{down, on}, {move, off}, {up, off}}, ""},
         {{{down, on}, {move, off}, {move, on}, {up, on}}, "l"},
@@ -66,34 +65,29 @@ TEST(Dialog, AFingerClicksWhatItPressesAndIsLiftedOn) {
         {{{down, on}, {down, onSmall}, {up, on}}, "l"},  // a second finger
         {{{up, on}, {move, on}, {down, onSmall}, {up, onSmall}}, "s"},
     };
-    for (const Row& row : rows) {
-        test::UiBench bench;
-        TestDialog dialog(bench.desktop);
-        dialog.Show();
-        for (const TouchEvent& touch : row.touches)
-            bench.display.Touch(touch.action, touch.at);
-        bench.Settle();
-        EXPECT_EQ(dialog.clicks, row.clicks) << &row - rows;
+    below.Show();
+    for (const Case& test : cases) {
+        for (const TouchEvent& touch : test.touches)
+            display.Touch(touch.action, touch.at);
+        Settle();
+        EXPECT_EQ(std::exchange(below.clicks, ""), test.clicks) << &test - cases;
     }
 }
 
-TEST(Dialog, AModalDialogTakesTheInputAndTheOneBelowGoesOnPaintingAndCounting) {
-    test::UiBench bench;
-    TestDialog below(bench.desktop);
-    TestDialog above(bench.desktop);
+TEST_F(DialogTest, AModalDialogTakesTheInputAndTheOneBelowGoesOnPaintingAndCounting) {
     int ticks = 0;
     below.Show();
     below.SetTimer(1, 100, [&ticks] { ++ticks; });
-    above.SetTimer(1, 1000, [&above] { above.EndDialog(DialogResult::Ok); });  // same id, another dialog
+    above.SetTimer(1, 1000, [this] { above.EndDialog(DialogResult::Ok); });  // same id, another dialog
     DialogResult result = DialogResult::None;
     below.onLeft = [&] { result = above.DoModal(); };
 
-    bench.Later(450, [&] {
-        EXPECT_EQ(bench.desktop.Active(), &above);
-        bench.display.Tap({150, 240});
-        bench.display.Key({KeyCode::Escape, {}});
+    Later(450, [&] {
+        EXPECT_EQ(desktop.Active(), &above);
+        display.Tap({150, 240});
+        display.Key({KeyCode::Escape, {}});
     });
-    bench.Tap(leftPlace);
+    Tap(leftPlace);
     EXPECT_EQ(result, DialogResult::Cancel);
     EXPECT_EQ(above.clicks, "l");
     EXPECT_EQ(below.clicks, "l");
@@ -102,73 +96,60 @@ TEST(Dialog, AModalDialogTakesTheInputAndTheOneBelowGoesOnPaintingAndCounting) {
     EXPECT_EQ(below.destroyed, 0);
 }
 
-TEST(Dialog, ABoxThatOpensTakesThePressedButtonFromTheFinger) {
-    test::UiBench bench;
-    TestDialog below(bench.desktop);
-    TestDialog box(bench.desktop);
+TEST_F(DialogTest, ABoxThatOpensTakesThePressedButtonFromTheFinger) {
     below.Show();
-    bench.Down({150, 240});
-    box.Show();
-    bench.Up({150, 240});
-    EXPECT_EQ(below.clicks + box.clicks, "");
-    bench.Tap(leftPlace);
-    EXPECT_EQ(box.clicks, "l");
+    Down({150, 240});
+    above.Show();
+    Up({150, 240});
+    EXPECT_EQ(below.clicks + above.clicks, "");
+    Tap(leftPlace);
+    EXPECT_EQ(above.clicks, "l");
 }
 
-TEST(Dialog, ATipTakesOnlyWhatTouchesIt) {
-    test::UiBench bench;
-    TestDialog below(bench.desktop);
+TEST_F(DialogTest, ATipTakesOnlyWhatTouchesIt) {
     below.Show();
-    CPromptDlg tip(bench.desktop);
+    CPromptDlg tip(desktop);
     tip.ShowTip("sending");
-    EXPECT_EQ(bench.windows.FindWindow("MsgTipDlg"), tip.Window());
-    bench.Tap(leftPlace);
+    EXPECT_EQ(windows.FindWindow("MsgTipDlg"), tip.Window());
+    Tap(leftPlace);
     EXPECT_EQ(below.clicks, "l");
     EXPECT_TRUE(tip.IsOpen());
-    bench.Key(KeyCode::Escape);
+    Key(KeyCode::Escape);
     EXPECT_FALSE(below.IsOpen());
-    bench.Tap(Point{400, 240});
+    Tap(Point{400, 240});
     EXPECT_FALSE(tip.IsOpen());
-    EXPECT_EQ(bench.windows.FindWindow("MsgTipDlg"), WindowHandle::None);
+    EXPECT_EQ(windows.FindWindow("MsgTipDlg"), WindowHandle::None);
 }
 
-TEST(Dialog, ADisabledDialogAndAHiddenOneTakeNothing) {
-    test::UiBench bench;
-    TestDialog dialog(bench.desktop);
-    EXPECT_FALSE(bench.display.IsShown());
-    dialog.Show();
-    EXPECT_TRUE(bench.display.IsShown());
-    dialog.EnableWindow(false);
-    bench.Tap(leftPlace);
-    bench.Key(KeyCode::Escape);
-    EXPECT_EQ(dialog.clicks, "");
-    EXPECT_TRUE(dialog.IsOpen());
-    dialog.EnableWindow(true);
-    dialog.ShowWindow(false);
-    EXPECT_FALSE(bench.display.IsShown());
-    bench.Tap(leftPlace);
-    EXPECT_EQ(dialog.clicks, "");
-    dialog.ShowWindow(true);
-    bench.Tap(leftPlace);
-    EXPECT_EQ(dialog.clicks, "l");
+TEST_F(DialogTest, ADisabledDialogAndAHiddenOneTakeNothing) {
+    EXPECT_FALSE(display.IsShown());
+    below.Show();
+    EXPECT_TRUE(display.IsShown());
+    below.EnableWindow(false);
+    Tap(leftPlace);
+    Key(KeyCode::Escape);
+    EXPECT_TRUE(below.IsOpen());
+    below.EnableWindow(true);
+    below.ShowWindow(false);
+    EXPECT_FALSE(display.IsShown());
+    Tap(leftPlace);
+    EXPECT_EQ(below.clicks, "");
+    below.ShowWindow(true);
+    Tap(leftPlace);
+    EXPECT_EQ(below.clicks, "l");
 }
 
-TEST(Dialog, ACallStandsAboveWhatOpensLater) {
-    test::UiBench bench;
+TEST_F(DialogTest, ACallStandsAboveWhatOpensLater) {
     constexpr DialogSpec callSpec{.buttons = buttons, .layer = DialogLayer::AboveAll};
-    TestDialog call(bench.desktop, callSpec);
-    TestDialog screen(bench.desktop);
+    TestDialog call(desktop, callSpec);
     call.Show();
-    screen.Show();
-    EXPECT_EQ(bench.desktop.Active(), &call);
+    below.Show();
+    EXPECT_EQ(desktop.Active(), &call);
     call.EndDialog(DialogResult::Ok);
-    EXPECT_EQ(bench.desktop.Active(), &screen);
+    EXPECT_EQ(desktop.Active(), &below);
 }
 
-TEST(Dialog, EndingTheLowerOfTwoModalDialogsKeepsItsControlsUntilItsHandlerIsThrough) {
-    test::UiBench bench;
-    TestDialog below(bench.desktop);
-    TestDialog above(bench.desktop);
+TEST_F(DialogTest, EndingTheLowerOfTwoModalDialogsKeepsItsControlsUntilItsHandlerIsThrough) {
     bool closed = false;
     below.Show([&closed](DialogResult) { closed = true; });
     below.onLeft = [&] {
@@ -176,87 +157,67 @@ TEST(Dialog, EndingTheLowerOfTwoModalDialogsKeepsItsControlsUntilItsHandlerIsThr
         EXPECT_EQ(below.Get<CSkinButton>(left).Id(), left);
         EXPECT_FALSE(closed);
     };
-    bench.Later(100, [&] { below.EndDialog(DialogResult::Cancel); });
-    bench.Later(200, [&] { bench.display.Key({KeyCode::Return, {}}); });
-    bench.Tap(leftPlace);
-    bench.Settle();
+    Later(100, [&] { below.EndDialog(DialogResult::Cancel); });
+    Later(200, [&] { display.Key({KeyCode::Return, {}}); });
+    Tap(leftPlace);
+    Settle();
     EXPECT_TRUE(closed);
     EXPECT_EQ(below.destroyed, 1);
 }
 
-TEST(Dialog, QuitEndsAllModalDialogs) {
-    test::UiBench bench;
-    TestDialog below(bench.desktop);
-    TestDialog above(bench.desktop);
+TEST_F(DialogTest, QuitEndsAllModalDialogs) {
     DialogResult result = DialogResult::None;
     below.onLeft = [&] { result = above.DoModal(); };
-    bench.Later(100, [&] { bench.display.Tap({150, 240}); });
-    bench.Later(200, [&] { bench.loop.Quit(); });
+    Later(100, [&] { display.Tap({150, 240}); });
+    Later(200, [&] { loop.Quit(); });
     EXPECT_EQ(below.DoModal(), DialogResult::Cancel);
     EXPECT_EQ(result, DialogResult::Cancel);
-    EXPECT_TRUE(bench.desktop.Stack().empty());
+    EXPECT_TRUE(desktop.Stack().empty());
 }
 
-TEST(Dialog, OpensAgainWithTheTextsOfThatMoment) {
-    test::UiBench bench;
-    TestDialog dialog(bench.desktop);
-    for (int i = 1; i <= 2; ++i) {
-        bench.Later(10, [&] { dialog.EndDialog(DialogResult::Ok); });
-        EXPECT_EQ(dialog.DoModal(), DialogResult::Ok);
-        EXPECT_EQ(dialog.opened, i);
-        EXPECT_EQ(dialog.destroyed, i);
-    }
-    EXPECT_EQ(dialog.text, "No SIM card");
-}
-
-TEST(Dialog, ACurtainOpensAndClosesInATenthOfASecondWhereTheUnitWantsIt) {
+TEST_F(DialogTest, ACurtainOpensAndClosesInATenthOfASecondWhereTheUnitWantsIt) {
     for (const bool on : {true, false}) {
-        test::UiBench bench;
-        bench.SetAnimation(on);
-        TestDialog dialog(bench.desktop, animated);
+        SetAnimation(on);
+        TestDialog dialog(desktop, animated);
         bool closed = false;
         dialog.Show([&closed](DialogResult) { closed = true; });
-        bench.RunFor(Curtain::duration - 5);
-        bench.Tap(leftPlace);
+        RunFor(Curtain::duration - 5);
+        Tap(leftPlace);
         EXPECT_EQ(dialog.clicks, on ? "" : "l");
-        bench.RunFor(10);
-        bench.Tap(leftPlace);
+        RunFor(10);
+        Tap(leftPlace);
         EXPECT_EQ(dialog.clicks, on ? "l" : "ll");
         dialog.EndDialog(DialogResult::Ok);
-        bench.RunFor(Curtain::duration - 5);
+        RunFor(Curtain::duration - 5);
         EXPECT_EQ(closed, !on);
-        bench.Tap(leftPlace);
-        bench.RunFor(10);
+        Tap(leftPlace);
+        RunFor(10);
         EXPECT_TRUE(closed);
         EXPECT_EQ(dialog.clicks, on ? "l" : "ll");
     }
 }
 
-TEST(Dialog, TheCurtainIsThePictureThatWasThereBefore) {
-    test::UiBench bench;
-    bench.PutPicture("old", 'r', 800);
-    bench.PutPicture("new", 'g', 800);
-    constexpr DialogSpec oldSpec{.directory = "\\ResidentFlash2\\test\\", .background = "old"};
-    constexpr DialogSpec newSpec{
-        .directory = "\\ResidentFlash2\\test\\", .background = "new", .animated = true};
-    Dialog before(bench.desktop, oldSpec);
-    Dialog after(bench.desktop, newSpec);
+TEST_F(DialogTest, TheCurtainIsThePictureThatWasThereBefore) {
+    PutPicture("old", 'r', 800);
+    PutPicture("new", 'g', 800);
+    constexpr std::string_view directory = "\\ResidentFlash2\\test\\";
+    constexpr DialogSpec oldSpec{.directory = directory, .background = "old"};
+    constexpr DialogSpec newSpec{.directory = directory, .background = "new", .animated = true};
+    Dialog before(desktop, oldSpec);
+    Dialog after(desktop, newSpec);
     before.Show();
-    bench.Settle();
+    Settle();
     after.Show();
-    const auto row = [&bench] {
-        std::string letters;
+    const std::pair<Ticks, const char*> looks[] = {
+        {2, "rrrrrr"}, {30, "rggggr"}, {80, "gggggg"}};  // at 32 ms three steps of 40 pixels
+    for (const auto& [time, letters] : looks) {
+        RunFor(time);
+        std::string row;
         for (const int x : {0, 300, 399, 400, 500, 799})
-            letters += test::LetterOf(bench.display.Picture().GetPixel({x, 240}));
-        return letters;
-    };
-    bench.RunFor(2);
-    EXPECT_EQ(row(), "rrrrrr");
-    bench.RunFor(30);  // three steps of 40 pixels
-    EXPECT_EQ(row(), "rggggr");
-    bench.RunFor(80);
-    EXPECT_EQ(row(), "gggggg");
+            row += LetterOf(display.Picture().GetPixel({x, 240}));
+        EXPECT_EQ(row, letters);
+    }
 }
 
 }  // namespace
-}  // namespace varkel
+}  // namespace varkel::test

@@ -1,13 +1,14 @@
 // Scroll bars, lists and radio groups.
 #include <gtest/gtest.h>
 
+#include "tests/support/dialog_survey.h"
 #include "tests/support/ui_bench.h"
 #include "ui/toolkit/check_box.h"
 #include "ui/toolkit/list_box.h"
 #include "ui/toolkit/radio_group.h"
 #include "ui/toolkit/skin_scroll_bar.h"
 
-namespace varkel {
+namespace varkel::test {
 namespace {
 
 constexpr int listId = 1;
@@ -47,94 +48,89 @@ struct ListDialog : Dialog {
     std::string told;
 };
 
-struct ListBench : test::UiBench {
-    ListBench() : UiBench("night"), dialog(desktop) {
+struct Lists : testing::Test, UiBench {
+    Lists() : UiBench("night") {
         dialog.Show();
         Settle();
     }
-    ListBox& List() { return dialog.Get<ListBox>(listId); }
-    CSkinScrollBar& Bar() { return dialog.Get<CSkinScrollBar>(barPlace); }
-    ListDialog dialog;
+    // The first row that is seen, and the selected one.
+    std::pair<int, int> Rows() {
+        const auto& list = dialog.Get<ListBox>(listId);
+        return {list.TopRow(), list.SelectedRow()};
+    }
+
+    ListDialog dialog{desktop};
 };
 
 constexpr Point upArrow{570, 140};
 constexpr Point downArrow{570, 465};
 
-TEST(SkinScrollBar, AnArrowStepsWhenItIsReleasedAndWhileItIsHeld) {
-    ListBench bench;
-    bench.Tap(downArrow);
-    EXPECT_EQ(bench.dialog.Told(), "1:0 ");
-    bench.Tap(Point{barRect.Right() + 5, downArrow.y});  // a finger is wider than the bar
-    EXPECT_EQ(bench.dialog.Told(), "1:0 ");
-    bench.Down(upArrow);
-    bench.RunFor(195);  // 150 ms until the repeat begins, 50 ms a step
-    EXPECT_EQ(bench.dialog.Told(), "");
-    bench.RunFor(100);
-    EXPECT_EQ(bench.dialog.Told(), "0:0 0:0 ");
-    bench.Up(upArrow);
-    EXPECT_EQ(bench.dialog.Told(), "0:0 ");
-    bench.RunFor(1000);
-    EXPECT_EQ(bench.dialog.Told(), "");
-    bench.Down(upArrow);
-    bench.RunFor(160);
-    bench.Up({300, 300});
-    bench.RunFor(1000);
-    EXPECT_EQ(bench.dialog.Told(), "");
-}
-
-TEST(SkinScrollBar, TheThumbFollowsTheFingerAndJumpsToTheTouchedPoint) {
-    ListBench bench;
-    bench.Down({575, 302});  // the middle of the channel
-    EXPECT_EQ(bench.dialog.Told(), "5:50 ");
-    bench.Move({575, 0});
-    EXPECT_EQ(bench.dialog.Told(), "5:0 ");
-    bench.Move({575, 479});
-    bench.Up({300, 479});
-    EXPECT_EQ(bench.dialog.Told(), "5:100 ");
-    EXPECT_EQ(bench.Bar().GetScrollPos(), 100);
-    // Without anything to scroll nothing moves.
-    bench.Bar().SetScrollRange(0, 0);
-    bench.Tap(Point{575, 302});
-    EXPECT_EQ(bench.dialog.Told(), "");
-}
-
-TEST(SkinScrollBar, OnlyVerticalOnesExist) {
-    test::UiBench bench("night");
-    ListDialog dialog(bench.desktop, 0);
-    dialog.Show();
-    bench.Settle();
-    // The box is there already, so that a second one of its text is not shown.
-    bench.boxes.ShowMessageBox("Don't surport horizontal scrollbar", "");
-    bench.Settle();
-    EXPECT_EQ(bench.desktop.Stack().size(), 2u);
-    bench.Key(KeyCode::Return);
-    EXPECT_EQ(bench.desktop.Stack().size(), 1u);
-    bench.Tap(downArrow);
+TEST_F(Lists, AnArrowStepsWhenItIsReleasedAndWhileItIsHeld) {
+    Tap(downArrow);
+    EXPECT_EQ(dialog.Told(), "1:0 ");
+    Tap(Point{barRect.Right() + 5, downArrow.y});  // a finger is wider than the bar
+    EXPECT_EQ(dialog.Told(), "1:0 ");
+    Down(upArrow);
+    RunFor(195);  // 150 ms until the repeat begins, 50 ms a step
+    EXPECT_EQ(dialog.Told(), "");
+    RunFor(100);
+    EXPECT_EQ(dialog.Told(), "0:0 0:0 ");
+    Up(upArrow);
+    EXPECT_EQ(dialog.Told(), "0:0 ");
+    RunFor(1000);
+    Down(upArrow);
+    RunFor(160);
+    Up({300, 300});
+    RunFor(1000);
     EXPECT_EQ(dialog.Told(), "");
 }
 
-TEST(ListBox, ATapSelectsADragScrolls) {
-    ListBench bench;
-    bench.Tap(Point{100, 130 + 86 + 10});
-    EXPECT_EQ(bench.dialog.Told(), "t1 ");
-    EXPECT_EQ(bench.List().SelectedRow(), 1);
-    bench.Down({100, 400});
-    bench.Move({100, 395});  // trembles
-    bench.Up({100, 395});
-    EXPECT_EQ(bench.dialog.Told(), "t3 ");
-    bench.Down({100, 400});
-    bench.Move({100, 400 - 3 * 86});
-    bench.Up({100, 400 - 3 * 86});
-    EXPECT_EQ(bench.dialog.Told(), "");
-    EXPECT_EQ(bench.List().TopRow(), 3);
-    EXPECT_EQ(bench.List().SelectedRow(), 3);
-    bench.Tap(Point{100, 135});
-    EXPECT_EQ(bench.dialog.Told(), "t3 ");
+TEST_F(Lists, TheThumbFollowsTheFingerAndJumpsToTheTouchedPoint) {
+    Down({575, 302});  // the middle of the channel
+    EXPECT_EQ(dialog.Told(), "5:50 ");
+    Move({575, 0});
+    EXPECT_EQ(dialog.Told(), "5:0 ");
+    Move({575, 479});
+    Up({300, 479});
+    EXPECT_EQ(dialog.Told(), "5:100 ");
+    auto& bar = dialog.Get<CSkinScrollBar>(barPlace);
+    EXPECT_EQ(bar.GetScrollPos(), 100);
+    // Without anything to scroll nothing moves.
+    bar.SetScrollRange(0, 0);
+    Tap(Point{575, 302});
+    EXPECT_EQ(dialog.Told(), "");
 }
 
-TEST(ListBox, StaysWithinItsRowsWhateverBecomesOfThem) {
-    ListBench bench;
-    ListBox& list = bench.List();
+TEST_F(Lists, OnlyVerticalBarsExist) {
+    ListDialog other(desktop, 0);
+    other.Show();
+    Settle();
+    EXPECT_EQ(TextsOf(*desktop.Active()).at(0).text, "Don't surport horizontal scrollbar");
+    Key(KeyCode::Return);
+    EXPECT_EQ(desktop.Active(), &other);
+    Tap(downArrow);
+    EXPECT_EQ(other.Told(), "");
+}
+
+TEST_F(Lists, ATapSelectsADragScrolls) {
+    Tap(Point{100, 130 + 86 + 10});
+    EXPECT_EQ(dialog.Told(), "t1 ");
+    EXPECT_EQ(Rows(), std::pair(0, 1));
+    Down({100, 400});
+    Move({100, 395});  // trembles
+    Up({100, 395});
+    EXPECT_EQ(dialog.Told(), "t3 ");
+    Down({100, 400});
+    Move({100, 400 - 3 * 86});
+    Up({100, 400 - 3 * 86});
+    EXPECT_EQ(dialog.Told(), "");
+    EXPECT_EQ(Rows(), std::pair(3, 3));
+    Tap(Point{100, 135});
+    EXPECT_EQ(dialog.Told(), "t3 ");
+}
+
+TEST_F(Lists, StayWithinTheirRowsWhateverBecomesOfThem) {
+    auto& list = dialog.Get<ListBox>(listId);
     int moved = 0;
     list.onScroll = [&moved] { ++moved; };
     list.SetTopRow(1000);
@@ -143,40 +139,35 @@ TEST(ListBox, StaysWithinItsRowsWhateverBecomesOfThem) {
     list.PageUp();
     EXPECT_EQ(list.TopRow(), 32);
     list.SelectRow(1000);
-    EXPECT_EQ(list.SelectedRow(), 39);
-    EXPECT_EQ(list.TopRow(), 36);
-    bench.dialog.rows = 2;
+    EXPECT_EQ(Rows(), std::pair(36, 39));
+    dialog.rows = 2;
     list.Reload();
-    EXPECT_EQ(list.SelectedRow(), 1);
-    EXPECT_EQ(list.TopRow(), 0);
-    bench.Tap(Point{100, 400});  // below the last row
-    EXPECT_EQ(bench.dialog.Told(), "");
-    bench.dialog.rows = 0;
+    EXPECT_EQ(Rows(), std::pair(0, 1));
+    Tap(Point{100, 400});  // below the last row
+    EXPECT_EQ(dialog.Told(), "");
+    dialog.rows = 0;
     list.Reload();
-    EXPECT_EQ(list.SelectedRow(), -1);
+    EXPECT_EQ(Rows(), std::pair(0, -1));
     list.SelectRow(3);
-    bench.dialog.SetFocus(&list);
+    dialog.SetFocus(&list);
     for (const KeyCode key : {KeyCode::Down, KeyCode::PageDown, KeyCode::End, KeyCode::Up})
-        bench.Key(key);
-    EXPECT_EQ(list.SelectedRow(), -1);
+        Key(key);
+    EXPECT_EQ(Rows(), std::pair(0, -1));
 }
 
-TEST(RadioGroup, AnotherItemIsChosenTheChosenOneDoesNothing) {
-    ListBench bench;
-    bench.Tap(Point{250, 80});
-    EXPECT_EQ(bench.dialog.Told(), "r1 ");
-    bench.Tap(Point{250, 80});
-    EXPECT_EQ(bench.dialog.Told(), "");
-    bench.Down({450, 80});
-    bench.Up({250, 80});
-    EXPECT_EQ(bench.dialog.Told(), "");
-    bench.dialog.Get<RadioGroup>(radioId).EnableWindow(false);
-    bench.Tap(Point{450, 80});
-    EXPECT_EQ(bench.dialog.Told(), "");
-    bench.Tap(Point{630, 420});
-    bench.Tap(Point{630, 395});  // above it, within reach
-    EXPECT_EQ(bench.dialog.Told(), "on off ");
+TEST_F(Lists, AnotherItemOfAGroupIsChosenTheChosenOneDoesNothing) {
+    Tap(Point{250, 80});
+    EXPECT_EQ(dialog.Told(), "r1 ");
+    Tap(Point{250, 80});
+    Down({450, 80});
+    Up({250, 80});
+    dialog.Get<RadioGroup>(radioId).EnableWindow(false);
+    Tap(Point{450, 80});
+    EXPECT_EQ(dialog.Told(), "");
+    Tap(Point{630, 420});
+    Tap(Point{630, 395});  // above it, within reach
+    EXPECT_EQ(dialog.Told(), "on off ");
 }
 
 }  // namespace
-}  // namespace varkel
+}  // namespace varkel::test

@@ -2,33 +2,31 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/ui_bench.h"
-#include "ui/toolkit/message_box.h"
-#include "ui/toolkit/radio_group.h"
 #include "ui/toolkit/skin_button.h"
-#include "ui/toolkit/static_text.h"
 #include "ui/toolkit/warn_dlg.h"
 
-namespace varkel {
+namespace varkel::test {
 namespace {
 
-constexpr int textId = 1065;
+struct Prompts : testing::Test, UiBench {
+    Prompts() : UiBench("night") {}
+};
 
-TEST(WarnDlg, TheModeDecidesWhichButtonsThereAreAndWhere) {
-    struct Row {
+TEST_F(Prompts, TheModeDecidesWhichButtonsAWarningHasAndWhere) {
+    struct Case {
         int mode;
         Rect ok;
         Rect cancel;
     };
-    const Row rows[] = {
+    const Case cases[] = {
         {0, {194, 205, 60, 32}, {}},
         {1, {40, 205, 60, 32}, {200, 205, 60, 32}},
         {2, {}, {}},
         {3, {194, 205, 60, 32}, {}},
         {-1, {194, 205, 60, 32}, {}},
     };
-    for (const Row& row : rows) {
-        test::UiBench bench("night");
-        CWarnDlg dialog(bench.desktop, WarnCode::NoSim, WarnButtonMode(row.mode));
+    for (const Case& test : cases) {
+        CWarnDlg dialog(desktop, WarnCode::NoSim, WarnButtonMode(test.mode));
         dialog.Show();
         EXPECT_EQ(dialog.Place(), (Rect{250, 122, 300, 237}));
         const auto shown = [&dialog](int id) {
@@ -36,28 +34,27 @@ TEST(WarnDlg, TheModeDecidesWhichButtonsThereAreAndWhere) {
             EXPECT_TRUE(button.IsOwnerDrawn());
             return button.IsWindowVisible() ? button.Place().Moved(-250, -122) : Rect{};
         };
-        EXPECT_EQ(shown(idOk), row.ok) << row.mode;
-        EXPECT_EQ(shown(idCancel), row.cancel) << row.mode;
+        EXPECT_EQ(shown(idOk), test.ok) << test.mode;
+        EXPECT_EQ(shown(idCancel), test.cancel) << test.mode;
     }
 }
 
-TEST(WarnDlg, ClosesItselfAfterThreeSecondsAsIfOkHadBeenPressed) {
-    test::UiBench bench;
-    CWarnDlg dialog(bench.desktop, WarnCode::NoSim, WarnButtonMode::None, true);
+TEST_F(Prompts, AWarningClosesItselfAfterThreeSecondsAsIfOkHadBeenPressed) {
+    CWarnDlg dialog(desktop, WarnCode::NoSim, WarnButtonMode::None, true);
     DialogResult result = DialogResult::None;
     dialog.Show([&result](DialogResult given) { result = given; });
-    bench.RunFor(CWarnDlg::autoCloseTime - 10);
+    RunFor(CWarnDlg::autoCloseTime - 10);
     EXPECT_TRUE(dialog.IsOpen());
-    bench.RunFor(20);
+    RunFor(20);
     EXPECT_EQ(result, DialogResult::Ok);
 
     dialog.Show();
     dialog.ShowWindow(false);
-    bench.RunFor(2 * CWarnDlg::autoCloseTime);
+    RunFor(2 * CWarnDlg::autoCloseTime);
     EXPECT_TRUE(dialog.IsOpen());
 }
 
-TEST(WarnDlg, AsksWhetherAllIsToBeDeleted) {
+TEST_F(Prompts, AWarningAsksWhetherAllIsToBeDeleted) {
     const std::pair<std::vector<Point>, DeleteChoice> rows[] = {
         {{}, DeleteChoice::ThisItem},
         {{{420, 291}}, DeleteChoice::All},
@@ -65,19 +62,18 @@ TEST(WarnDlg, AsksWhetherAllIsToBeDeleted) {
         {{{420, 270}}, DeleteChoice::All},  // above the picture, within a finger's reach
     };
     for (const auto& [taps, choice] : rows) {
-        test::UiBench bench;
-        CWarnDlg dialog(bench.desktop, WarnCode::DeletePrompt, WarnButtonMode::OkCancel, false, true);
-        bench.Later(10, [&] {
-            for (const Point at : taps)
-                bench.display.Tap(at);
-            bench.display.Tap({250 + 70, 122 + 220});
+        CWarnDlg dialog(desktop, WarnCode::DeletePrompt, WarnButtonMode::OkCancel, false, true);
+        Later(10, [&, points = taps] {
+            for (const Point at : points)
+                display.Tap(at);
+            display.Tap({250 + 70, 122 + 220});
         });
         EXPECT_EQ(dialog.DoModal(), DialogResult::Ok);
         EXPECT_EQ(dialog.GetDeleteChoice(), choice);
     }
 }
 
-TEST(WarnDlg, CanAlwaysBeLeft) {
+TEST_F(Prompts, AWarningCanAlwaysBeLeft) {
     const std::tuple<WarnButtonMode, KeyCode, DialogResult> rows[] = {
         {WarnButtonMode::Ok, KeyCode::Escape, DialogResult::Ok},
         {WarnButtonMode::OkCancel, KeyCode::Escape, DialogResult::Cancel},
@@ -85,63 +81,55 @@ TEST(WarnDlg, CanAlwaysBeLeft) {
         {WarnButtonMode::None, KeyCode::None, DialogResult::Cancel},  // touched
     };
     for (const auto& [mode, key, expected] : rows) {
-        test::UiBench bench;
-        CWarnDlg dialog(bench.desktop, WarnCode::NoSim, mode);
-        bench.Later(10, [&bench, code = key] {
-            code == KeyCode::None ? bench.display.Tap({400, 200}) : bench.display.Key({code, {}});
+        CWarnDlg dialog(desktop, WarnCode::NoSim, mode);
+        Later(10, [this, code = key] {
+            code == KeyCode::None ? display.Tap({400, 200}) : display.Key({code, {}});
         });
         EXPECT_EQ(dialog.DoModal(), expected);
     }
 }
 
-TEST(NoticeBoxes, AThreadWaitsUntilItsBoxIsDismissedOrClosed) {
+TEST_F(Prompts, AThreadWaitsUntilItsBoxIsDismissedOrClosed) {
     for (const bool dismissed : {true, false}) {
-        test::UiBench bench("night");
-        const auto closed = bench.runtime.CreateEvent(EventReset::Manual);
-        bool returned = false;
-        const auto writer = bench.runtime.CreateThread({.name = "writer"}, [&] {
-            bench.boxes.MessageBox("write port failed!", "", closed.get());
-            returned = true;
-        });
-        bench.RunFor(300);
-        ASSERT_EQ(bench.desktop.Stack().size(), 1u);
-        EXPECT_FALSE(returned);
+        const auto closed = runtime.CreateEvent(EventReset::Manual);
+        const auto writer = runtime.CreateThread(
+            {.name = "writer"}, [&] { boxes.MessageBox("write port failed!", "", closed.get()); });
+        RunFor(300);
+        EXPECT_EQ(desktop.Stack().size(), 1u);
+        EXPECT_EQ(writer->Wait(0), WaitResult::Timeout);
         if (dismissed) {
-            bench.Tap(Point{400, 330});
+            Tap(Point{400, 330});
         } else {
             closed->Set();
         }
-        bench.RunFor(200);
-        EXPECT_TRUE(returned);
-        EXPECT_TRUE(bench.desktop.Stack().empty());
-        writer->Wait(infiniteTicks);
+        RunFor(200);
+        EXPECT_EQ(writer->Wait(0), WaitResult::Object0);
+        EXPECT_TRUE(desktop.Stack().empty());
     }
 }
 
-TEST(NoticeBoxes, OneBoxATextAndNoMoreThanTheScreenHolds) {
-    test::UiBench bench;
+TEST_F(Prompts, OneBoxATextAndNoMoreThanTheScreenHolds) {
     for (int i = 0; i < 100; ++i) {
-        bench.boxes.ShowMessageBox("load failed", "");
-        bench.boxes.ShowMessageBox(std::to_string(i), "");
+        boxes.ShowMessageBox("load failed", "");
+        boxes.ShowMessageBox(std::to_string(i), "");
     }
-    bench.Settle();
-    EXPECT_EQ(bench.desktop.Stack().size(), NoticeBoxes::mostBoxes);
+    Settle();
+    EXPECT_EQ(desktop.Stack().size(), NoticeBoxes::mostBoxes);
     for (std::size_t i = 0; i < NoticeBoxes::mostBoxes; ++i)
-        bench.Key(KeyCode::Return);
-    EXPECT_TRUE(bench.desktop.Stack().empty());
-    bench.boxes.ShowMessageBox("load failed", "");
-    bench.Settle();
-    EXPECT_EQ(bench.desktop.Stack().size(), 1u);
+        Key(KeyCode::Return);
+    EXPECT_TRUE(desktop.Stack().empty());
+    boxes.ShowMessageBox("load failed", "");
+    Settle();
+    EXPECT_EQ(desktop.Stack().size(), 1u);
 }
 
-TEST(NoticeBoxes, OnTheDialogThreadABoxIsModalAndTheLoopGoesOn) {
-    test::UiBench bench;
+TEST_F(Prompts, OnTheDialogThreadABoxIsModalAndTheLoopGoesOn) {
     bool ticked = false;
-    bench.Later(20, [&] { ticked = true; });
-    bench.Later(50, [&] { bench.display.Key({KeyCode::Escape, {}}); });
-    bench.boxes.MessageBox("open port faild", "", nullptr);
+    Later(20, [&] { ticked = true; });
+    Later(50, [this] { display.Key({KeyCode::Escape, {}}); });
+    boxes.MessageBox("open port faild", "", nullptr);
     EXPECT_TRUE(ticked);
 }
 
 }  // namespace
-}  // namespace varkel
+}  // namespace varkel::test

@@ -5,7 +5,7 @@
 #include "tests/support/ui_bench.h"
 #include "ui/toolkit/dialog.h"
 
-namespace varkel {
+namespace varkel::test {
 namespace {
 
 constexpr int id = 7;
@@ -18,8 +18,8 @@ constexpr DialogSpec spec{.directory = pictures, .buttons = buttons};
 constexpr ColorRef normalText = Rgb(1, 2, 3);
 constexpr ColorRef pressedText = Rgb(4, 5, 6);
 
-struct ButtonBench : test::UiBench {
-    ButtonBench() : dialog(desktop, spec) {
+struct SkinButton : testing::Test, UiBench {
+    SkinButton() {
         PutPicture("normal", 'r');
         PutPicture("pressed", 'g');
         PutPicture("disabled", 'b');
@@ -30,8 +30,9 @@ struct ButtonBench : test::UiBench {
         return Button().Attach(dialog.LoadPicture(normal), dialog.LoadPicture(pressed),
                                dialog.LoadPicture(disabled));
     }
+    char Look() { return LetterOf(display.Picture().GetPixel({150, 140})); }
 
-    Dialog dialog;
+    Dialog dialog{desktop, spec};
 };
 
 bool HasColor(const Bitmap& picture, ColorRef color) {
@@ -43,23 +44,22 @@ bool HasColor(const Bitmap& picture, ColorRef color) {
     return false;
 }
 
-TEST(SkinButton, StateChoosesPictureAndCaptionColour) {
-    ButtonBench bench;
-    ASSERT_TRUE(bench.Attach("normal", "pressed", "disabled"));
-    CSkinButton& button = bench.Button();
+TEST_F(SkinButton, StateChoosesPictureAndCaptionColour) {
+    ASSERT_TRUE(Attach("normal", "pressed", "disabled"));
+    CSkinButton& button = Button();
     button.SetTextColors(normalText, pressedText);
     // Large flat letters, so that some pixels have the pure colour.
     button.SetFont({"", 60, 700});
     button.SetWindowText("HEM");
     button.SetTextOffset(8);
 
-    struct Row {
+    struct Case {
         unsigned state;
         bool keepNormal;
         char picture;
         ColorRef text;
     };
-    constexpr Row rows[] = {
+    constexpr Case cases[] = {
         {0, false, 'r', normalText},
         {1, false, 'r', normalText},  // pressed without the focus
         {4, false, 'b', 0x808080},
@@ -73,61 +73,56 @@ TEST(SkinButton, StateChoosesPictureAndCaptionColour) {
         {17 | 2 | 8 | 32, false, 'g', pressedText},  // other bits mean nothing
         {16 | 64, true, 'r', normalText},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.state);
-        button.SetKeepNormalWhenFocused(row.keepNormal);
-        const auto surface = bench.desktop.GetGraphics().CreateSurface(Display::screen);
-        button.DrawItem(surface->GetCanvas(), ItemState(row.state));
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.state);
+        button.SetKeepNormalWhenFocused(test.keepNormal);
+        const auto surface = desktop.GetGraphics().CreateSurface(Display::screen);
+        button.DrawItem(surface->GetCanvas(), ItemState(test.state));
         const Bitmap& picture = surface->Picture();
         // The picture fills the whole button, and nothing beside it.
-        EXPECT_EQ(test::LetterOf(picture.GetPixel({place.x, place.y})), row.picture);
-        EXPECT_EQ(test::LetterOf(picture.GetPixel({place.Right() - 1, place.Bottom() - 1})), row.picture);
+        EXPECT_EQ(LetterOf(picture.GetPixel({place.x, place.y})), test.picture);
+        EXPECT_EQ(LetterOf(picture.GetPixel({place.Right() - 1, place.Bottom() - 1})), test.picture);
         EXPECT_EQ(picture.GetPixel({place.Right(), place.y}), 0u);
         for (const ColorRef color : {normalText, pressedText, ColorRef{0x808080}})
-            EXPECT_EQ(HasColor(picture, color), color == row.text) << color;
+            EXPECT_EQ(HasColor(picture, color), color == test.text) << color;
     }
-    bench.dialog.EndDialog(DialogResult::Ok);
-    bench.Settle();
 }
 
-TEST(SkinButton, AttachStopsAtTheFirstPictureThatIsMissing) {
-    struct Row {
+TEST_F(SkinButton, AttachStopsAtTheFirstPictureThatIsMissing) {
+    struct Case {
         const char* pictures[3];
         bool attached;
         char drawn;  // a plain button is none of the pictures
     };
-    const Row rows[] = {
-        {{"normal", "pressed", "disabled"}, true, 'r'},   {{"normal", "pressed", "pressed"}, true, 'r'},
+    const Case cases[] = {
         {{"normal", "pressed", "missing"}, false, '?'},   {{"normal", "missing", "disabled"}, false, '?'},
-        {{"missing", "pressed", "disabled"}, false, '?'},
+        {{"missing", "pressed", "disabled"}, false, '?'}, {{"normal", "pressed", "pressed"}, true, 'r'},
+        {{"normal", "pressed", "disabled"}, true, 'r'},
     };
-    for (const Row& row : rows) {
-        ButtonBench bench;
-        EXPECT_EQ(bench.Attach(row.pictures[0], row.pictures[1], row.pictures[2]), row.attached);
-        EXPECT_EQ(bench.Button().IsOwnerDrawn(), row.attached);
-        bench.Settle();
-        const Point inside{place.x + 40, place.y + 40};
-        EXPECT_EQ(test::LetterOf(bench.display.Picture().GetPixel(inside)), row.drawn);
+    for (const Case& test : cases) {
+        EXPECT_EQ(Attach(test.pictures[0], test.pictures[1], test.pictures[2]), test.attached);
+        EXPECT_EQ(Button().IsOwnerDrawn(), test.attached);
+        Button().Invalidate();
+        Settle();
+        EXPECT_EQ(Look(), test.drawn);
     }
 }
 
-TEST(SkinButton, LooksPressedWhileTheFingerIsOnItAndPlainAfterwards) {
-    ButtonBench bench;
-    ASSERT_TRUE(bench.Attach("normal", "pressed", "disabled"));
-    const auto look = [&bench] { return test::LetterOf(bench.display.Picture().GetPixel({150, 140})); };
-    const Point on = test::UiBench::Middle(place);
-    bench.Down(on);
-    EXPECT_EQ(look(), 'g');
-    bench.Move({0, 0});
-    EXPECT_EQ(look(), 'r');
-    bench.Move(on);
-    EXPECT_EQ(look(), 'g');
-    bench.Up(on);
-    EXPECT_EQ(look(), 'r');
-    bench.Button().EnableWindow(false);
-    bench.Down(on);
-    EXPECT_EQ(look(), 'b');
+TEST_F(SkinButton, LooksPressedWhileTheFingerIsOnItAndPlainAfterwards) {
+    ASSERT_TRUE(Attach("normal", "pressed", "disabled"));
+    const Point on = Middle(place);
+    Down(on);
+    EXPECT_EQ(Look(), 'g');
+    Move({0, 0});
+    EXPECT_EQ(Look(), 'r');
+    Move(on);
+    EXPECT_EQ(Look(), 'g');
+    Up(on);
+    EXPECT_EQ(Look(), 'r');
+    Button().EnableWindow(false);
+    Down(on);
+    EXPECT_EQ(Look(), 'b');
 }
 
 }  // namespace
-}  // namespace varkel
+}  // namespace varkel::test

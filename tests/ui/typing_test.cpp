@@ -4,7 +4,7 @@
 #include "tests/support/ui_bench.h"
 #include "ui/toolkit/edit_field.h"
 
-namespace varkel {
+namespace varkel::test {
 namespace {
 
 constexpr int upper = 1;
@@ -20,78 +20,81 @@ constexpr EditSpec edits[] = {
 };
 constexpr DialogSpec spec{.edits = edits};
 
-struct TypingBench : test::UiBench {
-    explicit TypingBench(const std::string& languageName = "english")
-        : UiBench("night", languageName), dialog(desktop, spec) {
+// What stands on a key, or what it does.
+struct KeyName {
+    KeyName(const char* keyText) : text(keyText) {}
+    KeyName(KeyAction keyAction) : action(keyAction) {}
+
+    const char* text = nullptr;
+    KeyAction action{};
+};
+constexpr auto shift = KeyAction::Shift, national = KeyAction::National, latin = KeyAction::Latin;
+constexpr auto symbols = KeyAction::Symbols, back = KeyAction::Back, done = KeyAction::Done;
+
+struct TypingBench : UiBench {
+    explicit TypingBench(const std::string& languageName = "english") : UiBench("night", languageName) {
         dialog.Show();
         Settle();
     }
     EditField& Field(int id) { return dialog.Get<EditField>(id); }
     const std::string& Text(int id) { return Field(id).GetWindowText(); }
-    void TapKeys(std::initializer_list<std::string_view> keys) {
-        for (const std::string_view key : keys) {
-            ASSERT_FALSE(keyboard.PlaceOf(key).Empty()) << key;
-            Tap(keyboard.PlaceOf(key));
+    Rect PlaceOf(const KeyName& key) {
+        return key.text ? keyboard.PlaceOf(key.text) : keyboard.PlaceOf(key.action);
+    }
+    void TapKeys(std::initializer_list<KeyName> keys) {
+        for (const KeyName& key : keys) {
+            ASSERT_FALSE(PlaceOf(key).Empty()) << (key.text ? key.text : "an action");
+            Tap(PlaceOf(key));
         }
     }
-    void TapKey(KeyAction action) { Tap(keyboard.PlaceOf(action)); }
 
-    Dialog dialog;
+    Dialog dialog{desktop, spec};
 };
 
-TEST(SoftKeyboard, DocksWhereTheFieldStaysVisibleAndTellsTheDialog) {
-    TypingBench bench;
-    EXPECT_TRUE(bench.dialog.SipRect().Empty());
-    bench.Tap(bench.Field(upper).Place());
-    bench.Settle();
-    EXPECT_EQ(bench.dialog.SipRect(), (Rect{1, 285, 798, 194}));
-    EXPECT_EQ(bench.keyboard.Place(), bench.dialog.SipRect());
-    bench.dialog.SetFocus(&bench.Field(lower));
-    bench.Settle();
-    EXPECT_EQ(bench.dialog.SipRect(), (Rect{1, 1, 798, 194}));
-    EXPECT_EQ(bench.keyboard.Place(), bench.dialog.SipRect());
+struct Typing : testing::Test, TypingBench {
+    // Another keyboard program's word.
+    void Post(const char* message) {
+        windows.PostMessage(dialog.Window(), {windows.RegisterWindowMessage(message), 0, 0});
+        Settle();
+    }
+};
 
-    // Another keyboard program's word counts as well.
-    bench.windows.PostMessage(bench.dialog.Window(),
-                              {bench.windows.RegisterWindowMessage("UM_UMOVESIPDOWN"), 0, 0});
-    bench.Settle();
-    EXPECT_EQ(bench.dialog.SipRect(), (Rect{1, 285, 798, 194}));
-    bench.dialog.SetFocus(nullptr);
-    bench.windows.PostMessage(bench.dialog.Window(),
-                              {bench.windows.RegisterWindowMessage("UM_UMODIFYFOCUS"), 0, 0});
-    bench.Settle();
-    EXPECT_EQ(bench.dialog.Focus(), &bench.Field(lower));
+TEST_F(Typing, TheKeyboardDocksWhereTheFieldStaysVisibleAndTellsTheDialog) {
+    constexpr Rect below{1, 285, 798, 194}, above{1, 1, 798, 194};
+    EXPECT_TRUE(dialog.SipRect().Empty());
+    Tap(Field(upper).Place());
+    Settle();
+    EXPECT_EQ(dialog.SipRect(), below);
+    EXPECT_EQ(keyboard.Place(), below);
+    dialog.SetFocus(&Field(lower));
+    Settle();
+    EXPECT_EQ(dialog.SipRect(), above);
+    EXPECT_EQ(keyboard.Place(), above);
+
+    Post("UM_UMOVESIPDOWN");
+    EXPECT_EQ(dialog.SipRect(), below);
+    dialog.SetFocus(nullptr);
+    Post("UM_UMODIFYFOCUS");
+    EXPECT_EQ(dialog.Focus(), &Field(lower));
 
     // Put away, and back by another touch of the same field.
-    bench.TapKey(KeyAction::Done);
-    EXPECT_FALSE(bench.keyboard.IsWindowVisible());
-    bench.Tap(lowerPlace);
-    EXPECT_TRUE(bench.keyboard.IsWindowVisible());
-    bench.dialog.EndDialog(DialogResult::Ok);
-    bench.Settle();
-    EXPECT_FALSE(bench.keyboard.IsWindowVisible());
+    TapKeys({done});
+    EXPECT_FALSE(keyboard.IsWindowVisible());
+    Tap(lowerPlace);
+    EXPECT_TRUE(keyboard.IsWindowVisible());
+    dialog.EndDialog(DialogResult::Ok);
+    Settle();
+    EXPECT_FALSE(keyboard.IsWindowVisible());
 }
 
-TEST(SoftKeyboard, TypesLatinCyrillicAndSymbols) {
-    TypingBench bench;
-    bench.Tap(lowerPlace);
-    bench.TapKey(KeyAction::Shift);
-    bench.TapKeys({"h", "e"});
-    bench.TapKey(KeyAction::Shift);
-    bench.TapKey(KeyAction::Shift);  // locked
-    bench.TapKeys({"y", "o"});
-    bench.TapKey(KeyAction::Shift);
-    bench.TapKeys({"u", " "});
-    bench.TapKey(KeyAction::National);
-    bench.TapKey(KeyAction::Shift);
-    bench.TapKeys({"я", "ш"});
-    bench.TapKey(KeyAction::Symbols);
-    bench.TapKeys({"7", "@"});
-    EXPECT_EQ(bench.Text(lower), "HeYOu Яш7@");
-    bench.TapKey(KeyAction::Back);
-    bench.TapKey(KeyAction::Back);
-    bench.TapKey(KeyAction::Back);
-    EXPECT_EQ(bench.Text(lower), "HeYOu Я");
+TEST_F(Typing, TheKeyboardTypesLatinCyrillicAndSymbols) {
+    Tap(lowerPlace);
+    // Two touches lock the capitals.
+    TapKeys({shift, "h", "e", shift, shift, "y", "o", shift, "u", " "});
+    TapKeys({national, shift, "я", "ш", symbols, "7", "@"});
+    EXPECT_EQ(Text(lower), "HeYOu Яш7@");
+    TapKeys({back, back, back});
+    EXPECT_EQ(Text(lower), "HeYOu Я");
 }
 
 TEST(SoftKeyboard, BeginsWithThePageThatTheFieldNeeds) {
@@ -105,85 +108,66 @@ TEST(SoftKeyboard, BeginsWithThePageThatTheFieldNeeds) {
     {
         TypingBench arabic("arabic");
         arabic.Tap(arabic.Field(lower).Place());
-        arabic.TapKeys({"س", "ل", "ا", "م", " "});
-        arabic.TapKey(KeyAction::Latin);
-        arabic.TapKeys({"o", "k"});
-        arabic.TapKey(KeyAction::Symbols);
-        arabic.TapKey(KeyAction::National);
-        arabic.TapKeys({"."});
+        arabic.TapKeys({"س", "ل", "ا", "م", " ", latin, "o", "k", symbols, national, "."});
         EXPECT_EQ(arabic.Text(lower), "سلام ok.");
     }
     TypingBench russian("russian");
     russian.Tap(russian.Field(upper).Place());
-    russian.TapKeys({"ж"});
     // What a keyboard of its own types needs none.
-    russian.TapKey(KeyAction::Done);
+    russian.TapKeys({"ж", done});
     russian.Tap(russian.Field(password).Place());
     EXPECT_FALSE(russian.keyboard.IsWindowVisible());
 }
 
-TEST(SoftKeyboard, AHeldKeyGoesThroughItsCharacters) {
+TEST_F(Typing, AHeldKeyGoesThroughItsCharactersUnlessTheFingerLeavesIt) {
     const std::pair<Ticks, std::string> rows[] = {
         {100, "n"}, {SoftKeyboard::holdTime + 50, "ñ"}, {10 * SoftKeyboard::holdTime, "ñ"}};
+    Tap(lowerPlace);
+    const Point key = Middle(PlaceOf("n"));
     for (const auto& [time, text] : rows) {
-        TypingBench bench;
-        bench.Tap(lowerPlace);
-        const Point key = test::UiBench::Middle(bench.keyboard.PlaceOf("n"));
-        bench.Down(key);
-        bench.RunFor(time);
-        bench.Up(key);
-        EXPECT_EQ(bench.Text(lower), text) << time;
+        Field(lower).SetWindowText("");
+        Down(key);
+        RunFor(time);
+        Up(key);
+        EXPECT_EQ(Text(lower), text) << time;
     }
+    Field(lower).SetWindowText("");
+    Down(key);
+    Up(Middle(PlaceOf("m")));
+    EXPECT_EQ(Text(lower), "");
 }
 
-TEST(SoftKeyboard, AFingerThatLeavesTheKeyTypesNothing) {
-    TypingBench bench;
-    bench.Tap(lowerPlace);
-    bench.Down(test::UiBench::Middle(bench.keyboard.PlaceOf("n")));
-    bench.Up(test::UiBench::Middle(bench.keyboard.PlaceOf("m")));
-    EXPECT_EQ(bench.Text(lower), "");
-}
-
-TEST(SoftKeyboard, AHeldBackspaceDeletesOn) {
-    TypingBench bench;
-    bench.Tap(lowerPlace);
-    bench.Field(lower).SetWindowText("twenty characters...");
-    bench.Down(test::UiBench::Middle(bench.keyboard.PlaceOf(KeyAction::Back)));
-    EXPECT_EQ(bench.Text(lower).size(), 19u);
-    bench.RunFor(SoftKeyboard::holdTime + 3 * SoftKeyboard::backspaceTime + 10);
-    EXPECT_EQ(bench.Text(lower).size(), 15u);
+TEST_F(Typing, AHeldBackspaceDeletesOn) {
+    Tap(lowerPlace);
+    Field(lower).SetWindowText("twenty characters...");
+    Down(Middle(PlaceOf(back)));
+    EXPECT_EQ(Text(lower).size(), 19u);
+    RunFor(SoftKeyboard::holdTime + 3 * SoftKeyboard::backspaceTime + 10);
+    EXPECT_EQ(Text(lower).size(), 15u);
     // A box that comes up takes the key from the finger.
-    bench.boxes.ShowMessageBox("load failed", "");
-    bench.RunFor(1000);
-    EXPECT_EQ(bench.Text(lower).size(), 15u);
+    boxes.ShowMessageBox("load failed", "");
+    RunFor(1000);
+    EXPECT_EQ(Text(lower).size(), 15u);
 }
 
-TEST(EditField, TakesWhatItMayHold) {
-    struct Row {
-        int field;
-        std::string typed;
-        std::string text;
-    };
-    const Row rows[] = {
+TEST_F(Typing, AFieldTakesWhatItMayHold) {
+    const std::tuple<int, std::string, std::string> rows[] = {
         {upper, "0123456789ab", "0123456789"},
         {upper, "12345678 😀", "12345678 "},  // two units, and only one is left
-        {upper,
-         "a\r\n\x1A\x7F"
-         "b",
-         "ab"},
+        {upper, "a\r\n\x1A\x7F-b", "a-b"},
         {upper, "a\xFF", "a\uFFFD"},
         {digits, "+4a9-8#*7", "+498#"},
         {password, "пароль", "пароль"},
     };
-    for (const Row& row : rows) {
-        TypingBench bench;
-        bench.Tap(bench.Field(row.field).Place());
-        bench.Key(KeyCode::None, row.typed);
-        EXPECT_EQ(bench.Text(row.field), row.text);
+    for (const auto& [field, typed, text] : rows) {
+        Field(field).SetWindowText("");
+        dialog.SetFocus(&Field(field));
+        Key(KeyCode::None, typed);
+        EXPECT_EQ(Text(field), text);
     }
 }
 
-TEST(EditField, MovesAndDeletesByCharacters) {
+TEST_F(Typing, AFieldMovesAndDeletesByCharacters) {
     const std::pair<std::vector<KeyCode>, std::string> rows[] = {
         {{KeyCode::Back}, "aéя"},
         {{KeyCode::Left, KeyCode::Left, KeyCode::Back}, "aя😀"},
@@ -193,42 +177,39 @@ TEST(EditField, MovesAndDeletesByCharacters) {
     };
     for (const auto& [keys, text] : rows) {
         for (const int id : {upper, password}) {
-            TypingBench bench;
-            bench.Field(id).SetWindowText("aéя😀");
-            bench.dialog.SetFocus(&bench.Field(id));
+            Field(id).SetWindowText("aéя😀");
+            dialog.SetFocus(&Field(id));
             for (const KeyCode key : keys)
-                bench.Key(key);
-            EXPECT_EQ(bench.Text(id), text);
+                Key(key);
+            EXPECT_EQ(Text(id), text);
         }
     }
 }
 
-TEST(EditField, ATapPutsTheCaretWhereItWas) {
-    TypingBench bench;
-    Graphics& graphics = bench.desktop.GetGraphics();
+TEST_F(Typing, ATapPutsTheCaretWhereItWas) {
+    Graphics& graphics = desktop.GetGraphics();
     const LogFont font = HeiFont(32);
     for (const int id : {upper, password}) {
-        bench.Field(id).SetWindowText("abcdef");
+        Field(id).SetWindowText("abcdef");
         const std::string shown = id == password ? "\u2022\u2022\u2022" : "abc";
-        const int x = bench.Field(id).Place().x + 12 + graphics.MeasureText(shown, font).width;
-        bench.Tap(Point{x + 1, bench.Field(id).Place().y + 30});
-        bench.Key(KeyCode::None, "X");
-        EXPECT_EQ(bench.Text(id), "abcXdef");
+        const int x = Field(id).Place().x + 12 + graphics.MeasureText(shown, font).width;
+        Tap(Point{x + 1, Field(id).Place().y + 30});
+        Key(KeyCode::None, "X");
+        EXPECT_EQ(Text(id), "abcXdef");
     }
     // On the second line of a text that breaks at its blanks.
-    bench.Field(lower).SetWindowText("one two three four five six");
-    const auto lines = CutIntoLines(graphics, bench.Text(lower), font, lowerPlace.width - 26);
+    Field(lower).SetWindowText("one two three four five six");
+    const auto lines = CutIntoLines(graphics, Text(lower), font, lowerPlace.width - 26);
     ASSERT_GE(lines.size(), 2u);
-    bench.dialog.SetFocus(&bench.Field(lower));  // the keyboard goes out of the way
+    dialog.SetFocus(&Field(lower));  // the keyboard goes out of the way
     const int lineHeight = graphics.MeasureText("Ag", font).height;
-    bench.Tap(Point{lowerPlace.x + 12, lowerPlace.y + 4 + lineHeight * 3 / 2});
-    bench.Key(KeyCode::None, "X");
-    EXPECT_EQ(bench.Text(lower).find('X'), lines[1].begin);
+    Tap(Point{lowerPlace.x + 12, lowerPlace.y + 4 + lineHeight * 3 / 2});
+    Key(KeyCode::None, "X");
+    EXPECT_EQ(Text(lower).find('X'), lines[1].begin);
 }
 
-TEST(TextLines, BreakAtBlanksAndLineFeedsAndInsideLongWordsOnly) {
-    test::UiBench bench;
-    Graphics& graphics = bench.desktop.GetGraphics();
+TEST_F(Typing, LinesBreakAtBlanksAndLineFeedsAndInsideLongWordsOnly) {
+    Graphics& graphics = desktop.GetGraphics();
     const LogFont font = HeiFont(32);
     const int width = graphics.MeasureText("MMMM", font).width;
     const std::pair<std::string, std::vector<std::string>> rows[] = {
@@ -254,4 +235,4 @@ TEST(TextLines, BreakAtBlanksAndLineFeedsAndInsideLongWordsOnly) {
 }
 
 }  // namespace
-}  // namespace varkel
+}  // namespace varkel::test
