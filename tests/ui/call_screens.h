@@ -3,31 +3,15 @@
 
 #include <gtest/gtest.h>
 #include <memory>
-#include <optional>
 #include <string>
-#include <vector>
 
-#include "platform/linux/initial_registry.h"
-#include "platform/linux/linux_unit_files.h"
-#include "platform/linux/offscreen_display.h"
-#include "tests/support/scratch.h"
-#include "tests/support/session_bench.h"
-#include "ui/screens/screen_context.h"
-#include "ui/toolkit/static_text.h"
+#include "tests/support/screen_bench.h"
 #include "ui/window_screens.h"
 
 namespace varkel::test {
 
-struct CallScreens : SessionBench {
-    explicit CallScreens(const std::string& skin = "night", const std::string& languageName = "english")
-        : unitFiles(scratch.Path(), VARKEL_ASSETS, VARKEL_ASSETS "/skin-" + skin),
-          display(loop, unitFiles),
-          desktop({loop, display, windows, unitFiles, registry, language}) {
-        LoadInitialRegistry(registry, FileContent(VARKEL_ASSETS "/skin-" + skin + "/registry.txt"));
-        Settings(registry).WriteDword(Settings::dialogTypeKey, "Gprs", 0);
-        const std::string texts = "\\ResidentFlash2\\bin\\Language\\" + languageName + ".txt";
-        files.WriteWhole(texts, *unitFiles.ReadWhole(texts, 256 * 1024));
-        EXPECT_TRUE(language.Change(languageName));
+struct CallScreens : testing::Test, DisplayBench {
+    CallScreens() {
         dialog = std::make_unique<CVarkelDlg>(platform, shown);
         context.emplace(ScreenContext{desktop, *dialog, platform});
         shown.Start(*context, {});
@@ -35,7 +19,7 @@ struct CallScreens : SessionBench {
         OpenModule();
         unit.TakeTrace();
     }
-    ~CallScreens() {
+    ~CallScreens() override {
         Quit();
         shown.Stop();
         dialog.reset();
@@ -43,12 +27,18 @@ struct CallScreens : SessionBench {
 
     // Lets the dialog thread do what is waiting.
     void Settle() { RunFor(5); }
-    void Tap(const Control& control) {
-        const Rect& place = control.Place();
-        display.Tap({place.x + place.width / 2, place.y + place.height / 2});
+    void Tap(Dialog& screen, int id) {
+        TapOn(screen.Get<Control>(id));
         Settle();
     }
-    void Tap(Dialog& screen, int id) { Tap(screen.Get<Control>(id)); }
+    void Touch(TouchAction action, Point at) {
+        display.Touch(action, at);
+        Settle();
+    }
+    void Tap(Point at) {
+        Touch(TouchAction::Down, at);
+        Touch(TouchAction::Up, at);
+    }
     void Type(std::string_view keys) {
         for (const char& key : keys) {
             display.Key({KeyCode::None, std::string(1, key)});
@@ -60,7 +50,6 @@ struct CallScreens : SessionBench {
         Settle();
     }
 
-    Dialog& Top() { return *desktop.Stack().back(); }
     // The open screen of that kind; null when there is none.
     template <class Screen>
     Screen* Find() {
@@ -70,9 +59,9 @@ struct CallScreens : SessionBench {
         return nullptr;
     }
     template <class Screen>
-    Screen* Await(Ticks limit = 5000) {
-        EXPECT_TRUE(RunUntil([this] { return Find<Screen>() && Find<Screen>()->TakesInput(); }, limit));
-        return Find<Screen>();
+    Screen& Await() {
+        EXPECT_TRUE(RunUntil([this] { return Find<Screen>() && Find<Screen>()->TakesInput(); }, 5000));
+        return *Find<Screen>();
     }
     // The code of the warning on the screen, which is dismissed; 0 when there is none.
     int TakeWarning() {
@@ -82,14 +71,8 @@ struct CallScreens : SessionBench {
         Press(KeyCode::Return);
         return code;
     }
-    static std::string TextOf(Dialog& screen, int id) { return screen.Get<StaticText>(id).GetWindowText(); }
 
-    ScratchDirectory scratch;
-    LinuxUnitFiles unitFiles;
-    OffscreenDisplay display;
-    Desktop desktop;
     WindowScreens shown{runtime, loop, desktop};
-    std::optional<ScreenContext> context;
 };
 
 }  // namespace varkel::test

@@ -1,10 +1,12 @@
 // Every screen of the telephone as its user meets it, on a display that nobody sees, above an open module.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "tests/support/code_request.h"
 #include "tests/support/screen_bench.h"
 #include "ui/screens/call_in_dlg.h"
 #include "ui/screens/call_records_dlg.h"
@@ -70,13 +72,6 @@ struct Gallery : ScreenBench {
         display.Tap(at);
         RunFor(10);
     }
-    CodeRequest Codes(std::string first, std::string second) const {
-        return {.title = "IDS_INPUT",
-                .firstLabel = std::move(first),
-                .secondLabel = std::move(second),
-                .check = [](auto, auto) { return std::optional<WarnCode>(); },
-                .cancelled = nullptr};
-    }
 
     std::unique_ptr<MainScreen> below;  // the screen
     PhoneText ann;
@@ -84,19 +79,26 @@ struct Gallery : ScreenBench {
         MakeSmsRecord(SmsTime("2009-03-07 18:05"), "13800138000", "Where are you?", SmsState::Opened);
 };
 
-struct Exhibit {
-    using Screen = std::unique_ptr<Dialog>;
+using Screen = std::unique_ptr<Dialog>;
 
+struct Exhibit {
     const char* name;
-    Screen (*open)(Gallery&);
+    std::function<Screen(Gallery&)> open;
 };
+
+inline Screen TypedNumber(Gallery& g) {
+    auto screen = g.Open<CDialPad>(*g.context);
+    for (const char key : std::string("13800138000"))
+        g.display.Key({KeyCode::None, std::string(1, key)});
+    return screen;
+}
 
 inline void Ring(Gallery& g) {
     g.unit.Command("call 13800138000");
     g.RunUntil([&g] { return !g.dialog->Calls().CallerNumber().empty(); }, 5000);
 }
 
-inline Exhibit::Screen IncomingCall(Gallery& g) {
+inline Screen IncomingCall(Gallery& g) {
     Ring(g);
     auto screen = g.Open<CCallInDlg>(*g.context);
     screen->SetCallerText("13800138000");
@@ -104,7 +106,7 @@ inline Exhibit::Screen IncomingCall(Gallery& g) {
     return screen;
 }
 
-inline Exhibit::Screen InCall(Gallery& g) {
+inline Screen InCall(Gallery& g) {
     Ring(g);
     g.dialog->Calls().Answer();
     g.RunUntil([&g] { return g.dialog->State().MainScreenMode == ScreenMode::InCall; }, 5000);
@@ -114,14 +116,14 @@ inline Exhibit::Screen InCall(Gallery& g) {
 }
 
 // The button that gives the start up, above the main screen.
-inline Exhibit::Screen Starting(Gallery& g) {
+inline Screen Starting(Gallery& g) {
     g.dialog->CloseModule();
     g.RunFor(20'000);
     g.dialog->OpenModule();
     g.RunFor(3000);
     g.below = g.OpenMain(ScreenMode::Closed);
     g.below->SetNews(0, 0);
-    g.below->Bar().SetStatusText(g.texts.LoadString("IDS_INITING"));
+    g.below->Bar().SetStatusText(g.language.LoadString("IDS_INITING"));
     g.below->Bar().ShowOpenStep(OpenStep::SearchNetwork, 80'000);
     g.below->Update();
     auto screen = std::make_unique<CancelButton>(g.desktop, nullptr);
@@ -129,78 +131,67 @@ inline Exhibit::Screen Starting(Gallery& g) {
     return screen;
 }
 
-inline Exhibit::Screen WriteMessage(Gallery& g) {
+inline Screen ServiceAnswer(Gallery& g) {
+    auto screen = g.Open<CUssdDlg>(*g.context);
+    screen->SetText("1 Balance\n2 Tariff\n3 Messages", true);
+    return screen;
+}
+
+inline Screen WriteMessage(Gallery& g) {
     auto screen = g.Open<CWriteMessageDlg>(*g.context, "13800138000", "On my way");
     const Rect field = screen->Get<EditField>(1021).Place();
     g.Touch({field.x + 20, field.y + 20});
     return screen;
 }
 
-template <class Screen>
-Exhibit::Screen Plain(Gallery& g) {
-    return g.Open<Screen>(*g.context);
+inline Screen Contact(Gallery& g) {
+    return g.Open<CContactDlg>(*g.context, g.dialog->Phones().Find(PhoneBooks::Local, "Ann").at(0),
+                               PhoneBookMode::Use, [](auto&&...) {});
 }
 
-inline constexpr Exhibit exhibits[] = {
-    {"main-idle", [](Gallery& g) -> Exhibit::Screen { return g.OpenMain(ScreenMode::Idle); }},
-    {"dial-pad",
-     [](Gallery& g) -> Exhibit::Screen {
-         auto screen = Plain<CDialPad>(g);
-         for (const char* const key : {"1", "3", "8", "0", "0", "1", "3", "8", "0", "0", "0"})
-             g.display.Key({KeyCode::None, key});
-         return screen;
-     }},
-    {"code",
-     [](Gallery& g) -> Exhibit::Screen { return g.Open<CNumberDlg>(*g.context, g.Codes("pin:", "")); }},
-    {"two-codes",
-     [](Gallery& g) -> Exhibit::Screen { return g.Open<CNumberDlg>(*g.context, g.Codes("puk:", "pin:")); }},
-    {"service-reply",
-     [](Gallery& g) -> Exhibit::Screen {
-         return g.Open<CNumberDlg>(*g.context, g.Codes("", ""), NumberMode::UssdReply, "1 Balance\n2 Tariff");
-     }},
-    {"service-answer",
-     [](Gallery& g) -> Exhibit::Screen {
-         auto screen = g.Open<CUssdDlg>(*g.context);
-         screen->SetText("1 Balance\n2 Tariff\n3 Messages", true);
-         return screen;
-     }},
-    {"messages", Plain<CMessageBoxesDlg>},
-    {"message",
-     [](Gallery& g) -> Exhibit::Screen {
-         return g.Open<CReadMessageDlg>(*g.context, SmsBox::Inbox, g.message);
-     }},
+inline Screen Operators(Gallery& g) {
+    auto screen = g.Open<CDlgNetworkSet>(*g.context);
+    g.Touch({300, 90});
+    return screen;
+}
+
+inline Screen Tip(Gallery& g) {
+    auto screen = std::make_unique<CPromptDlg>(g.desktop);
+    screen->ShowTip(g.language.LoadString("IDS_SENDINGNOTE"));
+    return screen;
+}
+
+// A screen that needs only its context and these.
+template <class Kind, class... Arguments>
+Exhibit Plain(const char* name, Arguments... arguments) {
+    return {name, [=](Gallery& g) { return g.Open<Kind>(*g.context, arguments...); }};
+}
+inline const Exhibit exhibits[] = {
+    {"main-idle", [](Gallery& g) { return g.OpenMain(ScreenMode::Idle); }},
+    {"dial-pad", TypedNumber},
+    Plain<CNumberDlg>("code", AskFor("pin:", "")),
+    Plain<CNumberDlg>("two-codes", AskFor("puk:", "pin:")),
+    Plain<CNumberDlg>("service-reply", AskFor("", ""), NumberMode::UssdReply, "1 Balance\n2 Tariff"),
+    {"service-answer", ServiceAnswer},
+    Plain<CMessageBoxesDlg>("messages"),
+    {"message", [](Gallery& g) { return g.Open<CReadMessageDlg>(*g.context, SmsBox::Inbox, g.message); }},
     {"write-message", WriteMessage},
-    {"phrases", [](Gallery& g) -> Exhibit::Screen { return g.Open<CPhraseDlg>(g.desktop); }},
-    {"phonebook",
-     [](Gallery& g) -> Exhibit::Screen { return g.Open<CPhoneBookDlg>(*g.context, PhoneBookMode::Use); }},
-    {"phonebook-settings", Plain<CPhoneBookSet>},
-    {"contact",
-     [](Gallery& g) -> Exhibit::Screen {
-         return g.Open<CContactDlg>(*g.context, g.dialog->Phones().Find(PhoneBooks::Local, "Ann").at(0),
-                                    PhoneBookMode::Use, [](auto&&...) {});
-     }},
-    {"new-contact", [](Gallery& g) -> Exhibit::Screen { return g.Open<CEditContactDlg>(*g.context, g.ann); }},
-    {"call-records", Plain<CCallRecordsDlg>},
-    {"settings", Plain<CSettingsDlg>},
-    {"service-centre", Plain<CCenterDlg>},
-    {"network", Plain<CDlgNetworkSet>},
-    {"operators",
-     [](Gallery& g) -> Exhibit::Screen {
-         auto screen = Plain<CDlgNetworkSet>(g);
-         g.Touch({300, 90});
-         return screen;
-     }},
-    {"operator", Plain<CDlgISP>},
+    {"phrases", [](Gallery& g) { return g.Open<CPhraseDlg>(g.desktop); }},
+    Plain<CPhoneBookDlg>("phonebook", PhoneBookMode::Use),
+    Plain<CPhoneBookSet>("phonebook-settings"),
+    {"contact", Contact},
+    {"new-contact", [](Gallery& g) { return g.Open<CEditContactDlg>(*g.context, g.ann); }},
+    Plain<CCallRecordsDlg>("call-records"),
+    Plain<CSettingsDlg>("settings"),
+    Plain<CCenterDlg>("service-centre"),
+    Plain<CDlgNetworkSet>("network"),
+    {"operators", Operators},
+    Plain<CDlgISP>("operator"),
     {"warning",
-     [](Gallery& g) -> Exhibit::Screen {
+     [](Gallery& g) {
          return g.Open<CWarnDlg>(g.desktop, WarnCode::DeletePrompt, WarnButtonMode::OkCancel);
      }},
-    {"tip",
-     [](Gallery& g) -> Exhibit::Screen {
-         auto screen = std::make_unique<CPromptDlg>(g.desktop);
-         screen->ShowTip(g.texts.LoadString("IDS_SENDINGNOTE"));
-         return screen;
-     }},
+    {"tip", Tip},
     {"incoming-call", IncomingCall},
     {"main-in-call", InCall},
     {"main-starting", Starting},

@@ -2,11 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/code_request.h"
 #include "tests/support/memory_terminal.h"
 #include "tests/support/session_bench.h"
 #include "ui/terminal/headless_commands.h"
 #include "ui/terminal/headless_screens.h"
-#include "ui/toolkit/warn_texts.h"
 
 namespace varkel::test {
 namespace {
@@ -16,175 +16,126 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-struct HeadlessTest : testing::Test {
+struct HeadlessTest : testing::Test, SessionBench {
     HeadlessTest() {
         files.WriteWhole("ResidentFlash2\\bin\\Language\\english.txt",
                          "[GPRS]\nIDS_NO_SIM = No SIM card\nIDS_NUMBER_INVALID = Not valid\n");
-        language = std::make_unique<Language>(files, "english");
-        screens = std::make_unique<HeadlessScreens>(runtime, loop, terminal, *language);
-        screens->Start(state, [this](std::string_view line) { commands.emplace_back(line); });
-    }
-
-    static CodeRequest Puk() {
-        return {.title = "Please Input:",
-                .firstLabel = "puk:",
-                .secondLabel = "pin:",
-                .check = [](std::string_view first, std::string_view second) -> std::optional<WarnCode> {
-                    if (first == "12345678" && second == "1234") return std::nullopt;
-                    return WarnCode::NumberInvalid;
-                },
-                .cancelled = [] { return false; }};
+        EXPECT_TRUE(language.Change("english"));
+        shown.Start(state, [this](std::string_view line) { commands.emplace_back(line); });
     }
 
     // Asks on a thread of its own, as the open thread does.
-    std::shared_ptr<Thread> Ask(const CodeRequest& request) {
-        return runtime.CreateThread({.name = "asking"},
-                                    [this, request] { answer = screens->AskCodes(request); });
+    std::shared_ptr<Thread> Ask(bool cancelled = false) {
+        CodeRequest puk = AskFor("puk:", "pin:", "12345678", "1234");
+        puk.cancelled = [cancelled] { return cancelled; };
+        answer = CodeEntry{};
+        auto asking = runtime.CreateThread({.name = "asking"}, [this, puk] { answer = shown.AskCodes(puk); });
+        RunFor(10);
+        return asking;
+    }
+    std::shared_ptr<Thread> ShowBox() {
+        auto showing = runtime.CreateThread(
+            {.name = "box"}, [this] { shown.MessageBox("write port failed!", "warning", closed.get()); });
+        RunFor(100);
+        return showing;
     }
 
-    void RunFor(Ticks time) {
-        bool over = false;
-        loop.SetTimer(1, time, [&over] { over = true; });
-        loop.Run([&over] { return over; });
-        loop.KillTimer(1);
-    }
-
-    VirtualRuntime runtime{1};
-    MessageLoop loop{runtime};
-    MemoryFiles files;
     MemoryTerminal terminal{loop};
     SessionState state;
-    std::unique_ptr<Language> language;
-    std::unique_ptr<HeadlessScreens> screens;
+    HeadlessScreens shown{runtime, loop, terminal, language};
     std::vector<std::string> commands;
     std::optional<CodeEntry> answer;
+    const std::shared_ptr<Event> closed = runtime.CreateEvent(EventReset::Manual);
 };
 
 TEST_F(HeadlessTest, ShowsWhatChangesOnce) {
-    screens->SetSignalLevel(3);
-    screens->SetSignalLevel(3);
+    shown.SetSignalLevel(3);
+    shown.SetSignalLevel(3);
     state.MainScreenMode = ScreenMode::Idle;
-    screens->Repaint();
-    screens->Repaint();
-    screens->SetStatusText("");
-    screens->Warn(WarnCode::NoSim);
-    screens->Warn(WarnCode::NoSim);
-    screens->ShowMessageBox("buf < 0", "error");
+    shown.Repaint();
+    shown.Repaint();
+    shown.SetStatusText("");
+    shown.Warn(WarnCode::NoSim);
+    shown.Warn(WarnCode::NoSim);
+    shown.ShowMessageBox("buf < 0", "error");
     EXPECT_THAT(terminal.TakeLines(), ElementsAre("[signal] 3 of 5", "[screen] the modem is open",
                                                   "[warning] No SIM card", "[box] error: buf < 0"));
     RunFor(11'000);
-    screens->Warn(WarnCode::NoSim);
+    shown.Warn(WarnCode::NoSim);
     EXPECT_THAT(terminal.TakeLines(), Contains("[warning] No SIM card")) << "again after a while";
 }
 
 TEST_F(HeadlessTest, AsksUntilTheEntryIsAccepted) {
-    const auto asking = Ask(Puk());
-    RunFor(10);
-    for (const char* line : {"12345678", "9", "12345678", "1234"})
+    const auto asking = Ask();
+    for (const char* line : {"12345678", "9", "12345678", "1234", "status"})
         terminal.Type(line);
-    terminal.Type("status");
     RunFor(10);
     ASSERT_EQ(asking->Wait(0), WaitResult::Object0);
     ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->first, "12345678");
-    EXPECT_EQ(answer->second, "1234");
+    EXPECT_EQ(answer->first + "," + answer->second, "12345678,1234");
     EXPECT_THAT(commands, ElementsAre("status")) << "a line without a question is a command";
     EXPECT_THAT(terminal.TakeLines(), Contains("[warning] Not valid"));
 }
 
 TEST_F(HeadlessTest, GivesUpByWordByRequestAndAtTheEndOfTheInput) {
+    EXPECT_EQ(Ask(true)->Wait(0), WaitResult::Object0) << "a request that came while it opened";
+    EXPECT_FALSE(answer);
     const std::function<void()> ends[] = {
         [this] { terminal.Type("cancel"); },
-        [this] { screens->CancelPrompts(); },
+        [this] { shown.CancelPrompts(); },
         [this] { terminal.End(); },
     };
     for (const auto& end : ends) {
-        answer = CodeEntry{};
-        const auto asking = Ask(Puk());
-        RunFor(10);
+        const auto asking = Ask();
         EXPECT_EQ(asking->Wait(0), WaitResult::Timeout);
         end();
         RunFor(10);
         ASSERT_EQ(asking->Wait(0), WaitResult::Object0);
         EXPECT_FALSE(answer);
     }
-    const auto asking = Ask(Puk());
-    RunFor(10);
-    EXPECT_EQ(asking->Wait(0), WaitResult::Object0) << "nobody can answer any more";
-}
-
-TEST_F(HeadlessTest, MissesNoCancelThatComesWhileItOpens) {
-    CodeRequest request = Puk();
-    request.cancelled = [] { return true; };
-    const auto asking = Ask(request);
-    RunFor(10);
-    EXPECT_EQ(asking->Wait(0), WaitResult::Object0);
-    EXPECT_FALSE(answer);
+    EXPECT_EQ(Ask()->Wait(0), WaitResult::Object0) << "nobody can answer any more";
 }
 
 TEST_F(HeadlessTest, HoldsAMessageBoxUntilItIsDismissedOrClosed) {
-    const auto closed = runtime.CreateEvent(EventReset::Manual);
-    const auto box = [this, closed] {
-        return runtime.CreateThread({.name = "box"}, [this, closed] {
-            screens->MessageBox("write port failed!", "warning", closed.get());
-        });
-    };
-    auto waiting = box();
-    RunFor(1000);
-    EXPECT_EQ(waiting->Wait(0), WaitResult::Timeout);
-    EXPECT_EQ(box()->Wait(100), WaitResult::Object0) << "one box for one text";
-    terminal.Type("");
-    RunFor(200);
-    EXPECT_EQ(waiting->Wait(0), WaitResult::Object0);
-
-    waiting = box();
-    RunFor(1000);
-    closed->Set();
-    RunFor(200);
-    EXPECT_EQ(waiting->Wait(0), WaitResult::Object0);
+    const std::function<void()> ends[] = {[this] { terminal.Type(""); }, [this] { closed->Set(); }};
+    for (const auto& end : ends) {
+        const auto waiting = ShowBox();
+        EXPECT_EQ(waiting->Wait(0), WaitResult::Timeout);
+        EXPECT_EQ(ShowBox()->Wait(0), WaitResult::Object0) << "one box for one text";
+        end();
+        RunFor(200);
+        EXPECT_EQ(waiting->Wait(0), WaitResult::Object0);
+    }
     EXPECT_THAT(commands, IsEmpty());
 
     terminal.Type("");
-    screens->MessageBox("on the dialog thread", "", nullptr);
+    shown.MessageBox("on the dialog thread", "", nullptr);
     EXPECT_THAT(terminal.TakeLines(), Contains("[box] on the dialog thread (press Enter)"));
 }
 
-TEST_F(HeadlessTest, KnowsAKeyForEveryWarning) {
-    for (int code = 1; code <= 39; ++code) {
-        EXPECT_NE(WarnText(static_cast<WarnCode>(code), *language), "") << code;
-    }
-    EXPECT_EQ(WarnText(WarnCode::NoSim, *language), WarnText(WarnCode::NoSimAgain, *language));
-    EXPECT_EQ(WarnText(WarnCode::PortOpenFailed, *language), "打开3G串口失败，机器需要重启，3G才能正常使用");
-    EXPECT_EQ(WarnText(static_cast<WarnCode>(0), *language), "");
-    EXPECT_EQ(WarnText(static_cast<WarnCode>(40), *language), "");
-}
-
-// What is typed, and what it prints in a row.
-using Dialogue = std::vector<std::pair<const char*, const char*>>;
-
-struct HeadlessCommandsTest : testing::Test {
+struct HeadlessCommandsTest : testing::Test, SessionBench {
     HeadlessCommandsTest() {
-        bench.unit.Command("book add \"王五\" 10010");
-        bench.dialUp.connects = true;
-        bench.OpenModule();
-        commands.emplace(*bench.dialog, bench.windows, bench.codePage, terminal);
+        unit.Command("book add \"王五\" 10010");
+        dialUp.connects = true;
+        OpenModule();
+        commands.emplace(*dialog, windows, codePage, terminal);
     }
 
     std::string Answer(std::string_view line) {
         commands->Run(line);
-        bench.RunFor(6000);
+        RunFor(6000);
         std::string text;
         for (const std::string& each : terminal.TakeLines())
             text += (text.empty() ? "" : "|") + each;
         return text;
     }
-    void Converse(const Dialogue& dialogue) {
+    // What is typed, and what it prints in a row.
+    void Converse(const std::vector<std::pair<const char*, const char*>>& dialogue) {
         for (const auto& [line, expected] : dialogue)
             EXPECT_EQ(Answer(line), expected) << line;
     }
 
-    SessionBench bench;
-    MemoryTerminal terminal{bench.loop};
+    MemoryTerminal terminal{loop};
     std::optional<HeadlessCommands> commands;
 };
 
@@ -199,8 +150,8 @@ TEST_F(HeadlessCommandsTest, DialTestAndObeyTheUnit) {
         {"key 5G", "[error] not a key of the unit"},
         {"post 3Gwindow_HIDE", ""},
     });
-    EXPECT_TRUE(bench.dialog->Data().Connected());
-    EXPECT_TRUE(bench.dialog->State().m_bWindowHidden);
+    EXPECT_TRUE(dialog->Data().Connected());
+    EXPECT_TRUE(dialog->State().m_bWindowHidden);
 }
 
 TEST_F(HeadlessCommandsTest, KeepThePhonebook) {

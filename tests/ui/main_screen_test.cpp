@@ -13,15 +13,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-struct MainScreenTest : testing::Test {
-    void Touch(TouchAction action, Point at) {
-        bench.display.Touch(action, at);
-        bench.Settle();
-    }
-    void Tap(Point at) {
-        Touch(TouchAction::Down, at);
-        Touch(TouchAction::Up, at);
-    }
+struct MainScreenTest : CallScreens {
     // What the tap on a cell, or beside one, has opened.
     std::string Opened(Point at) {
         opened.clear();
@@ -39,46 +31,36 @@ struct MainScreenTest : testing::Test {
         return ids;
     }
     void SetMode(ScreenMode mode) {
-        bench.dialog->State().MainScreenMode = mode;
+        dialog->State().MainScreenMode = mode;
         screen.Update();
-        bench.Settle();
+        Settle();
     }
+    ColorRef CellColor() { return display.Picture().GetPixel({310, 70}); }
 
-    CallScreens bench;
     std::string opened;
-    MainScreen screen{*bench.context, Noted()};
+    MainScreen screen{*context, Noted()};
 };
 
 TEST_F(MainScreenTest, OnlyTheCellUnderTheFingerAtBothEndsActs) {
     screen.Show();
-    bench.Settle();
+    Settle();
+    // Seams and edges belong to no cell.
     const std::pair<Point, std::string> taps[] = {
-        {{100, 150}, "pad"},
-        {{300, 150}, "messages"},
-        {{500, 150}, "settings"},
-        {{700, 150}, "calls"},
-        {{100, 370}, "contacts"},
-        {{1, 51}, "pad"},
-        {{199, 264}, "pad"},
-        // Seams and edges belong to no cell.
-        {{200, 150}, ""},
-        {{0, 150}, ""},
-        {{400, 150}, ""},
-        {{600, 370}, ""},
-        {{100, 265}, ""},
-        {{100, 50}, ""},
-    };
+        {{100, 150}, "pad"},      {{300, 150}, "messages"}, {{500, 150}, "settings"}, {{700, 150}, "calls"},
+        {{100, 370}, "contacts"}, {{1, 51}, "pad"},         {{199, 264}, "pad"},      {{200, 150}, ""},
+        {{0, 150}, ""},           {{400, 150}, ""},         {{600, 370}, ""},         {{100, 265}, ""},
+        {{100, 50}, ""}};
     for (const auto& [at, expected] : taps)
         EXPECT_EQ(Opened(at), expected) << at.x << ", " << at.y;
 
     Touch(TouchAction::Down, {300, 150});
     Touch(TouchAction::Up, {500, 150});
     EXPECT_EQ(opened, "") << "pressed on one cell, lifted on another";
-    const ColorRef calm = bench.display.Picture().GetPixel({310, 70});
+    const ColorRef calm = CellColor();
     Touch(TouchAction::Down, {300, 150});
-    EXPECT_NE(bench.display.Picture().GetPixel({310, 70}), calm);
+    EXPECT_NE(CellColor(), calm);
     Touch(TouchAction::Up, {700, 400});
-    EXPECT_EQ(bench.display.Picture().GetPixel({310, 70}), calm) << "the plain picture returns";
+    EXPECT_EQ(CellColor(), calm) << "the plain picture returns";
 }
 
 TEST_F(MainScreenTest, EachModeHasItsOwnLiveCells) {
@@ -97,43 +79,43 @@ TEST_F(MainScreenTest, EachModeHasItsOwnLiveCells) {
 TEST_F(MainScreenTest, NothingReactsWhileTheModuleStarts) {
     screen.Show();
     for (const char* const key : {"IDS_INITING", "IDS_SEARCHING"}) {
-        screen.Bar().SetStatusText(bench.language.LoadString(key));
+        screen.Bar().SetStatusText(language.LoadString(key));
         EXPECT_EQ(Opened({100, 150}), "");
         Tap({765, 25});
-        EXPECT_EQ(bench.windows.CountPosted("3Gwindow_HIDE 0 0"), 0);
+        EXPECT_EQ(windows.CountPosted("3Gwindow_HIDE 0 0"), 0);
     }
     screen.Bar().SetStatusText("");
     EXPECT_EQ(Opened({100, 150}), "pad");
     Tap({765, 25});
-    EXPECT_EQ(bench.windows.CountPosted("3Gwindow_HIDE 0 0"), 1) << "left with the module on";
+    EXPECT_EQ(windows.CountPosted("3Gwindow_HIDE 0 0"), 1) << "left with the module on";
 }
 
 TEST_F(MainScreenTest, TheBarTellsWhatIsAwaitedAndWhoIsOnTheLine) {
-    MainScreen& main = *bench.Find<MainScreen>();
+    MainScreen& main = *Find<MainScreen>();
     EXPECT_THAT(main.Bar().StatusLine(), HasSubstr("signal"));
-    bench.unit.Command("call 13800138000");
-    bench.RunFor(2000);
-    bench.dialog->Calls().Answer();
-    bench.RunFor(3000);
+    unit.Command("call 13800138000");
+    RunFor(2000);
+    dialog->Calls().Answer();
+    RunFor(3000);
     EXPECT_THAT(main.Bar().StatusLine(), StartsWith("13800138000  00:0"));
-    bench.unit.Command("hangup");
-    bench.RunFor(3000);
-    bench.dialog->Calls().Dial("10002");
-    bench.RunFor(500);
+    unit.Command("hangup");
+    RunFor(3000);
+    dialog->Calls().Dial("10002");
+    RunFor(500);
     EXPECT_EQ(main.Bar().Offer(), CancelOffer::DialledCall);
-    bench.display.Tap({650, 55});
-    bench.RunFor(2000);
+    Tap({650, 55});
+    RunFor(2000);
     EXPECT_EQ(main.Bar().Offer(), CancelOffer::None) << "the button gives the call up, below its picture too";
-    bench.dialog->CloseModule();
-    bench.RunFor(20'000);
+    dialog->CloseModule();
+    RunFor(20'000);
     EXPECT_EQ(main.Bar().StatusLine(), "The modem is off");
-    bench.dialog->OpenModule();
-    bench.RunFor(1500);
+    dialog->OpenModule();
+    RunFor(1500);
     EXPECT_THAT(main.Bar().StatusLine(), HasSubstr("s left"));
     EXPECT_EQ(main.Bar().Offer(), CancelOffer::ModuleStart);
-    bench.display.Tap({650, 25});
-    ASSERT_TRUE(bench.RunUntilOpenEnds());
-    EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed);
+    display.Tap({650, 25});
+    ASSERT_TRUE(RunUntilOpenEnds());
+    EXPECT_EQ(dialog->State().MainScreenMode, ScreenMode::Closed);
 }
 
 }  // namespace
