@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <map>
 #include <string>
 #include <vector>
@@ -10,6 +11,17 @@
 #include "ui/toolkit/dialog.h"
 
 namespace varkel::test {
+
+// A skin and a language: every test of the rules runs in all of them.
+using Look = std::tuple<const char*, std::string_view>;
+
+inline auto AllLooks() {
+    return testing::Combine(testing::Values("night", "day"), testing::ValuesIn(languageNames));
+}
+inline std::string NameOfLook(const testing::TestParamInfo<Look>& run) {
+    const auto& [skin, languageName] = run.param;
+    return std::string(skin) + "_" + std::string(languageName);
+}
 
 struct ShownText {
     std::string text;

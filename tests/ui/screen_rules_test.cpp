@@ -8,7 +8,7 @@
 namespace varkel::test {
 namespace {
 
-struct ScreenRules : testing::TestWithParam<std::tuple<const char*, const char*>> {
+struct ScreenRules : testing::TestWithParam<Look> {
     // The main screen is what all others lead back to, and its button leaves it to that.
     bool HasLeft(Dialog& screen) {
         if (dynamic_cast<MainScreen*>(&screen) || dynamic_cast<CancelButton*>(&screen)) return true;
@@ -16,7 +16,7 @@ struct ScreenRules : testing::TestWithParam<std::tuple<const char*, const char*>
         return !screen.IsOpen();
     }
 
-    Gallery gallery{std::get<0>(GetParam()), std::get<1>(GetParam())};
+    Gallery gallery{std::get<0>(GetParam()), std::string(std::get<1>(GetParam()))};
 };
 
 TEST_P(ScreenRules, HoldOnEveryScreen) {
@@ -38,11 +38,7 @@ TEST_P(ScreenRules, HoldOnEveryScreen) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    SkinsAndLanguages, ScreenRules,
-    testing::Combine(testing::Values("night", "day"),
-                     testing::Values("english", "chinese", "tchinese", "russian", "portugal", "arabic")),
-    [](const auto& run) { return std::string(std::get<0>(run.param)) + "_" + std::get<1>(run.param); });
+INSTANTIATE_TEST_SUITE_P(SkinsAndLanguages, ScreenRules, AllLooks(), NameOfLook);
 
 }  // namespace
 }  // namespace varkel::test

@@ -8,13 +8,15 @@
 #include "ui/screens/settings_dlg.h"
 #include "ui/toolkit/check_box.h"
 #include "ui/toolkit/edit_field.h"
-#include "ui/toolkit/radio_group.h"
 
 namespace varkel::test {
 namespace {
 
 using testing::ElementsAre;
 using Dlg = CSettingsDlg;
+
+constexpr Point modemOn{166, 307}, modemOff{450, 307}, operatorsTab{300, 90};
+constexpr Point only2G{282, 301}, automatic{282, 435};
 
 struct SettingsScreen : ScreenTest {
     void OpenModule() {
@@ -34,15 +36,6 @@ struct SettingsScreen : ScreenTest {
         return std::string(requests.turnOn ? "on " : "") + (requests.turnOff ? "off " : "") +
                (requests.closeData ? "close " : "") + (requests.openData ? "open " : "");
     }
-    Step TapItem(int id, int item, Size size) {
-        return [this, id, item, size] {
-            const Rect& group = desktop.Active()->Get<RadioGroup>(id).Place();
-            const int columns = group.width / size.width;
-            display.Tap({group.x + item % columns * size.width + size.width / 2,
-                         group.y + item / columns * size.height + size.height / 2});
-        };
-    }
-    Step TapModem(int item) { return TapItem(Dlg::modemId, item, {282, 63}); }
     Step Fill(int field, const std::string& text) {
         return [this, field, text] {
             auto& edit = desktop.Active()->Get<EditField>(field);
@@ -95,7 +88,7 @@ TEST_F(SettingsScreen, ClosingWithoutAChangeAsksForNothing) {
     OpenModule();
     EXPECT_EQ(Show({}), "");
     // To and fro is no change either; the modem's way takes the data link along.
-    EXPECT_EQ(Show({TapModem(1), TapModem(0), Tap(Dlg::dataId)}), "");
+    EXPECT_EQ(Show({Tap(modemOff), Tap(modemOn), Tap(Dlg::dataId)}), "");
     EXPECT_EQ(Settings(registry).ReadAutoOpenFlag(), 0u);
     EXPECT_EQ(Show({Tap(Dlg::autoOpenId)}), "");
     EXPECT_EQ(Settings(registry).ReadAutoOpenFlag(), 1u);
@@ -105,7 +98,7 @@ TEST_F(SettingsScreen, TheModemIsSwitchedOnWithTheDataLinkOrWithout) {
     for (const bool withData : {true, false}) {
         dialUp.connects = true;
         dialUp.ForgetDialled();
-        std::vector<Step> steps = {TapModem(0), [&] { EXPECT_TRUE(Checked(Dlg::dataId)); }};
+        std::vector<Step> steps = {Tap(modemOn), [&] { EXPECT_TRUE(Checked(Dlg::dataId)); }};
         if (!withData) steps.push_back(Tap(Dlg::dataId));
         EXPECT_EQ(Show(steps), withData ? "on open " : "on ");
         ASSERT_TRUE(RunUntilOpenEnds());
@@ -114,7 +107,7 @@ TEST_F(SettingsScreen, TheModemIsSwitchedOnWithTheDataLinkOrWithout) {
         const auto dataFollows = [&] {
             EXPECT_FALSE(Checked(Dlg::dataId) || Enabled(*desktop.Active(), Dlg::dataId));
         };
-        EXPECT_EQ(Show({TapModem(1), dataFollows}), withData ? "off close " : "off ");
+        EXPECT_EQ(Show({Tap(modemOff), dataFollows}), withData ? "off close " : "off ");
         EXPECT_TRUE(RunUntil([&] { return !dialog->State().m_bModuleOpen; }, 20'000));
         RunFor(5000);
         EXPECT_EQ(dialUp.Current(), RasHandle::None);
@@ -144,7 +137,8 @@ TEST_F(SettingsScreen, ACallTakesWhatWasChosenAndTheOtherScreens) {
             << "without a gap";
         EXPECT_FALSE(Enabled(screen, Dlg::centerId) || Enabled(screen, Dlg::networkId));
     };
-    EXPECT_EQ(Show({TapModem(1), ring, [&] { desktop.OnSessionChanged(); }, taken, TapModem(1)}, 500), "");
+    EXPECT_EQ(Show({Tap(modemOff), ring, [&] { desktop.OnSessionChanged(); }, taken, Tap(modemOff)}, 500),
+              "");
     EXPECT_TRUE(dialog->Calls().Busy());
 }
 
@@ -182,10 +176,8 @@ TEST_F(SettingsScreen, AnotherNetworkModeIsKeptAndSentWhenTheScreenIsLeft) {
     Settings(registry).WriteDword(Settings::networkModeKey, "NetworkMode", 0xFFFFFFFF);
     std::string shown;
     const auto note = [&] { shown += TextOf(*desktop.Active(), Dlg::modeTextId) + ","; };
-    for (const int item : {2, 4, 4}) {
-        Show({note, Tap(Dlg::networkId), TapItem(CDlgNetworkSet::modesId, item, {516, 67}),
-              Tap(CDlgNetworkSet::exitId), note},
-             200);
+    for (const Point item : {only2G, automatic, automatic}) {
+        Show({note, Tap(Dlg::networkId), Tap(item), Tap(CDlgNetworkSet::exitId), note}, 200);
     }
     EXPECT_EQ(shown, "Automatic,2G only,2G only,Automatic,Automatic,Automatic,");
     EXPECT_EQ(unit.Count("AT+MODODR=3"), 1);
@@ -203,7 +195,7 @@ struct Operators : SettingsScreen {
     void ShowList(std::vector<Step> steps) {
         CDlgNetworkSet screen(*context);
         screen.Show();
-        steps.insert(steps.begin(), TapItem(CDlgNetworkSet::tabsId, 1, {200, 66}));
+        steps.insert(steps.begin(), Tap(operatorsTab));
         Play(steps);
     }
     std::string Names() {

@@ -17,8 +17,8 @@ using testing::IsEmpty;
 constexpr EditSpec edits[] = {{.id = 1, .rect = {20, 60, 400, 64}}};
 constexpr DialogSpec spec{.edits = edits};
 
-struct Survey : testing::TestWithParam<std::tuple<const char*, const char*>>, UiBench {
-    Survey() : UiBench(std::get<0>(GetParam()), std::get<1>(GetParam())) {}
+struct Survey : testing::TestWithParam<Look>, UiBench {
+    Survey() : UiBench(std::get<0>(GetParam()), std::string(std::get<1>(GetParam()))) {}
 };
 
 TEST_P(Survey, EveryWarningCanBeReadAndTouched) {
@@ -71,11 +71,7 @@ TEST_P(Survey, Keyboard) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    SkinsAndLanguages, Survey,
-    testing::Combine(testing::Values("night", "day"),
-                     testing::Values("english", "chinese", "tchinese", "russian", "portugal", "arabic")),
-    [](const auto& run) { return std::string(std::get<0>(run.param)) + "_" + std::get<1>(run.param); });
+INSTANTIATE_TEST_SUITE_P(SkinsAndLanguages, Survey, AllLooks(), NameOfLook);
 
 }  // namespace
 }  // namespace varkel::test

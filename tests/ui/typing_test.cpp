@@ -20,16 +20,7 @@ constexpr EditSpec edits[] = {
 };
 constexpr DialogSpec spec{.edits = edits};
 
-// What stands on a key, or what it does.
-struct KeyName {
-    KeyName(const char* keyText) : text(keyText) {}
-    KeyName(KeyAction keyAction) : action(keyAction) {}
-
-    const char* text = nullptr;
-    KeyAction action{};
-};
-constexpr auto shift = KeyAction::Shift, national = KeyAction::National, latin = KeyAction::Latin;
-constexpr auto symbols = KeyAction::Symbols, back = KeyAction::Back, done = KeyAction::Done;
+using enum KeyAction;
 
 struct TypingBench : UiBench {
     explicit TypingBench(const std::string& languageName = "english") : UiBench("night", languageName) {
@@ -38,15 +29,12 @@ struct TypingBench : UiBench {
     }
     EditField& Field(int id) { return dialog.Get<EditField>(id); }
     const std::string& Text(int id) { return Field(id).GetWindowText(); }
-    Rect PlaceOf(const KeyName& key) {
-        return key.text ? keyboard.PlaceOf(key.text) : keyboard.PlaceOf(key.action);
+    // By what stands on it, or by what it does.
+    void TapKey(const auto& key) {
+        EXPECT_FALSE(keyboard.PlaceOf(key).Empty()) << testing::PrintToString(key);
+        Tap(keyboard.PlaceOf(key));
     }
-    void TapKeys(std::initializer_list<KeyName> keys) {
-        for (const KeyName& key : keys) {
-            ASSERT_FALSE(PlaceOf(key).Empty()) << (key.text ? key.text : "an action");
-            Tap(PlaceOf(key));
-        }
-    }
+    void TapKeys(const auto&... keys) { (TapKey(keys), ...); }
 
     Dialog dialog{desktop, spec};
 };
@@ -78,7 +66,7 @@ TEST_F(Typing, TheKeyboardDocksWhereTheFieldStaysVisibleAndTellsTheDialog) {
     EXPECT_EQ(dialog.Focus(), &Field(lower));
 
     // Put away, and back by another touch of the same field.
-    TapKeys({done});
+    TapKeys(Done);
     EXPECT_FALSE(keyboard.IsWindowVisible());
     Tap(lowerPlace);
     EXPECT_TRUE(keyboard.IsWindowVisible());
@@ -90,10 +78,10 @@ TEST_F(Typing, TheKeyboardDocksWhereTheFieldStaysVisibleAndTellsTheDialog) {
 TEST_F(Typing, TheKeyboardTypesLatinCyrillicAndSymbols) {
     Tap(lowerPlace);
     // Two touches lock the capitals.
-    TapKeys({shift, "h", "e", shift, shift, "y", "o", shift, "u", " "});
-    TapKeys({national, shift, "я", "ш", symbols, "7", "@"});
+    TapKeys(Shift, "h", "e", Shift, Shift, "y", "o", Shift, "u", " ");
+    TapKeys(National, Shift, "я", "ш", Symbols, "7", "@");
     EXPECT_EQ(Text(lower), "HeYOu Яш7@");
-    TapKeys({back, back, back});
+    TapKeys(Back, Back, Back);
     EXPECT_EQ(Text(lower), "HeYOu Я");
 }
 
@@ -101,20 +89,20 @@ TEST(SoftKeyboard, BeginsWithThePageThatTheFieldNeeds) {
     {
         TypingBench english;
         english.Tap(english.Field(digits).Place());
-        english.TapKeys({"1", "+"});
+        english.TapKeys("1", "+");
         english.Tap(english.Field(upper).Place());
-        english.TapKeys({"q"});
+        english.TapKeys("q");
     }
     {
         TypingBench arabic("arabic");
         arabic.Tap(arabic.Field(lower).Place());
-        arabic.TapKeys({"س", "ل", "ا", "م", " ", latin, "o", "k", symbols, national, "."});
+        arabic.TapKeys("س", "ل", "ا", "م", " ", Latin, "o", "k", Symbols, National, ".");
         EXPECT_EQ(arabic.Text(lower), "سلام ok.");
     }
     TypingBench russian("russian");
     russian.Tap(russian.Field(upper).Place());
     // What a keyboard of its own types needs none.
-    russian.TapKeys({"ж", done});
+    russian.TapKeys("ж", Done);
     russian.Tap(russian.Field(password).Place());
     EXPECT_FALSE(russian.keyboard.IsWindowVisible());
 }
@@ -123,7 +111,7 @@ TEST_F(Typing, AHeldKeyGoesThroughItsCharactersUnlessTheFingerLeavesIt) {
     const std::pair<Ticks, std::string> rows[] = {
         {100, "n"}, {SoftKeyboard::holdTime + 50, "ñ"}, {10 * SoftKeyboard::holdTime, "ñ"}};
     Tap(lowerPlace);
-    const Point key = Middle(PlaceOf("n"));
+    const Point key = Middle(keyboard.PlaceOf("n"));
     for (const auto& [time, text] : rows) {
         Field(lower).SetWindowText("");
         Down(key);
@@ -133,14 +121,14 @@ TEST_F(Typing, AHeldKeyGoesThroughItsCharactersUnlessTheFingerLeavesIt) {
     }
     Field(lower).SetWindowText("");
     Down(key);
-    Up(Middle(PlaceOf("m")));
+    Up(Middle(keyboard.PlaceOf("m")));
     EXPECT_EQ(Text(lower), "");
 }
 
 TEST_F(Typing, AHeldBackspaceDeletesOn) {
     Tap(lowerPlace);
     Field(lower).SetWindowText("twenty characters...");
-    Down(Middle(PlaceOf(back)));
+    Down(Middle(keyboard.PlaceOf(Back)));
     EXPECT_EQ(Text(lower).size(), 19u);
     RunFor(SoftKeyboard::holdTime + 3 * SoftKeyboard::backspaceTime + 10);
     EXPECT_EQ(Text(lower).size(), 15u);
