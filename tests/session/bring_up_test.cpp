@@ -1,24 +1,25 @@
 // The module's whole life on the simulated unit, in virtual time.
-#include <algorithm>
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/session/open_module.h"
 #include "tests/support/bring_up_bar.h"
-#include "tests/support/session_bench.h"
 
 namespace varkel::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
+using testing::IsSupersetOf;
 
-TEST(BringUp, SendsExactlyTheRequiredSequence) {
+TEST(BringUp, SendsTheRequiredSequenceWithItsPausesAndTakesLittleMore) {
     SessionBench bench;
-    bench.OpenModule();
-    EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Idle);
+    bench.Start();
+    bench.RunUntil([&] { return bench.unit.Count("Set3GPower 1") == 1; }, 10'000);
+    const std::uint64_t powered = bench.runtime.Elapsed();
+    ASSERT_TRUE(bench.RunUntilOpenEnds());
+    EXPECT_LE(bench.runtime.Elapsed() - powered, BringUpBar({}));
+    EXPECT_GE(bench.runtime.Elapsed() - powered, BringUpBar({}) * 95 / 100) << "no pause was left out";
+    EXPECT_EQ(bench.Mode(), ScreenMode::Idle);
     bench.RunFor(1000);
 
     std::vector<std::string> sent;
@@ -45,21 +46,8 @@ TEST(BringUp, SendsExactlyTheRequiredSequence) {
     EXPECT_EQ(bench.registry.Value("Software\\QXGprsSim", "IMSI")->bytes.size(), 31u);
     EXPECT_EQ(Settings(bench.registry).ReadOpenFlag(), 1u);
     EXPECT_EQ(Settings(bench.registry).ReadDword("GPRS\\NetworkMode", "NetworkMode"), 2u);
-    EXPECT_THAT(bench.screens.Shown(), Contains("status IDS_INITING"));
-    EXPECT_THAT(bench.screens.Shown(), Contains("status IDS_SEARCHING"));
+    EXPECT_THAT(bench.screens.Shown(), IsSupersetOf({"status IDS_INITING", "status IDS_SEARCHING"}));
     EXPECT_EQ(bench.unit.SuspendLocks(), 0);
-}
-
-TEST(BringUp, TakesItsPausesTheModemsTimeAndLittleMore) {
-    SessionBench bench;
-    bench.Start();
-    bench.RunUntil([&] { return bench.unit.Count("Set3GPower 1") == 1; }, 10'000);
-    const std::uint64_t powered = bench.runtime.Elapsed();
-    ASSERT_TRUE(bench.RunUntilOpenEnds());
-    const std::uint64_t took = bench.runtime.Elapsed() - powered;
-
-    EXPECT_LE(took, BringUpBar({}));
-    EXPECT_GE(took, BringUpBar({}) * 95 / 100) << "no required pause was left out";
 }
 
 // A refused question is answered as well, and not by the module's answer to the next one.
@@ -79,8 +67,7 @@ TEST(BringUp, WaitsForTheImsiOnlyAsLongAsTheModuleOwesIt) {
         SessionBench bench;
         bench.Start();
         ASSERT_TRUE(bench.RunUntil([&] { return bench.unit.Count("AT+CPBS?") == 1; }, 60'000));
-        for (const char* command : row.world)
-            EXPECT_EQ(bench.unit.Command(command), "");
+        bench.Arrange(row.world);
         ASSERT_TRUE(bench.RunUntil([&] { return bench.unit.Count("AT+GSN") == 1; }, 20'000));
         const std::uint64_t asked = bench.runtime.Elapsed();
         ASSERT_TRUE(bench.RunUntilOpenEnds());
@@ -90,149 +77,102 @@ TEST(BringUp, WaitsForTheImsiOnlyAsLongAsTheModuleOwesIt) {
     }
 }
 
-struct Failure {
-    const char* name;
-    std::vector<const char*> world;  // commands before the start
-    sim::UnitConfig config;
-    const char* warning;
-    const char* logged;
-};
-
 TEST(BringUp, EndsInOrderWhateverFails) {
-    sim::UnitConfig neverReady;
-    neverReady.modem.indication = sim::StartIndication::Never;
-    sim::UnitConfig readyAfterThree;
-    readyAfterThree.modem.indication = sim::StartIndication::ThreeAlthoughReady;
-    sim::UnitConfig slowBoot;
-    slowBoot.modem.times.boot = 60'000;
-    const Failure failures[] = {
-        {"no SIM", {"sim out"}, {}, "warn 15", "--fail---!bSimIn--"},
-        {"no power-up", {}, slowBoot, "warn 30", "--fail---open power failed--"},
-        {"never ready", {}, neverReady, "warn 16", ""},
-        {"SIM in bad contact", {}, readyAfterThree, "warn 22", "[BTNEV]SIM no connect well!"},
-        {"no network", {"network off"}, {}, "warn 16", "--fail---overtime--"},
-        {"signal too weak", {"signal 4"}, {}, "warn 16", "--fail---overtime--"},
-        {"signal unknown", {"signal 99"}, {}, "warn 16", "--fail---overtime--"},
+    struct Row {
+        std::vector<const char*> world;
+        const char* warning;
+        const char* logged = "";
+        sim::ModemKind kind = sim::ModemKind::Unit;
     };
-    for (const Failure& failure : failures) {
-        SCOPED_TRACE(failure.name);
-        SessionBench bench(1, failure.config);
-        for (const char* command : failure.world)
-            bench.unit.Command(command);
+    const Row rows[] = {
+        {{"sim out"}, "warn 15", "--fail---!bSimIn--"},
+        {{"time boot 60s"}, "warn 30", "--fail---open power failed--"},
+        {{"start-report never"}, "warn 16"},
+        {{"start-report always-no-sim"}, "warn 22", "[BTNEV]SIM no connect well!"},
+        {{"network off"}, "warn 16", "--fail---overtime--"},
+        {{"signal 4"}, "warn 16", "--fail---overtime--"},
+        {{"signal 99"}, "warn 16", "--fail---overtime--"},
+        {{"time reply 200s"}, "warn 16", "", sim::ModemKind::Standard},
+        {{"sim out"}, "warn 16", "", sim::ModemKind::Standard},
+        {{"no-sim-answer not-ready", "sim out"}, "warn 15", "", sim::ModemKind::Standard},
+    };
+    for (const Row& row : rows) {
+        sim::UnitConfig config;
+        config.modem.kind = row.kind;
+        SessionBench bench(1, config);
+        const bool own = row.kind == sim::ModemKind::Unit;
+        if (own) bench.Arrange(row.world);
         Settings(bench.registry).WriteAutoOpenFlag(1);
-        bench.Start("");
+        bench.Start("", {.profile = own ? &unitModule : nullptr});
+        if (!own) {
+            ASSERT_TRUE(bench.RunUntil([&] { return bench.unit.Count("Set3GPower 1") == 1; }, 10'000));
+            bench.Arrange(row.world);
+        }
         ASSERT_TRUE(bench.RunUntilOpenEnds());
         bench.RunFor(5000);
-        EXPECT_EQ(bench.screens.Count(failure.warning), 1);
-        EXPECT_THAT(bench.LogContent(), HasSubstr(failure.logged));
-        EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed);
-        EXPECT_EQ(Settings(bench.registry).ReadOpenFlag(), 0u);
-        EXPECT_EQ(bench.unit.SuspendLocks(), 0);
-        EXPECT_EQ(bench.unit.Count("Set3GPower 0"), 1);
-        const auto shown = bench.screens.Shown();
-        EXPECT_THAT(*std::find_if(shown.rbegin(), shown.rend(),
-                                  [](const std::string& line) { return line.starts_with("signal "); }),
-                    "signal 0");
-        EXPECT_FALSE(bench.serial.Open());
-        EXPECT_EQ(bench.windows.CountPosted("3G_OPEN_END 0 0"), 1);
+        ExpectClosed(bench, testing::PrintToString(row.world));
+        EXPECT_EQ(bench.screens.Count(row.warning), 1) << row.world.front();
+        EXPECT_THAT(bench.LogContent(), HasSubstr(row.logged));
+        EXPECT_EQ(bench.unit.Count("Set3GPower 0"), 1) << row.world.front();
+        EXPECT_EQ(StartingWith({"signal "}, bench.screens.Shown()).back(), "signal 0");
+        EXPECT_EQ(bench.windows.CountPosted("3G_OPEN_END 0 0"), 1) << row.world.front();
     }
 }
 
-struct CodeDialogue {
-    const char* name;
-    std::vector<const char*> world;
-    std::vector<std::pair<const char*, const char*>> typed;
-    std::vector<const char*> asked;
-    std::vector<const char*> sent;
-    bool opens;
-};
-
-bool CarriesCode(const std::string& line) {
-    return line.starts_with("AT+CLCK=") || line.starts_with("AT+CPIN=");
-}
-
 TEST(SimUnlock, AsksForEachCodeAndSendsWhatWasTypedOnce) {
-    const CodeDialogue dialogues[] = {
-        {"PIN", {"pin 1234"}, {{"1234", ""}}, {"ask pin:"}, {"AT+CLCK=\"SC\",0,\"1234\""}, true},
-        {"wrong PIN, then right",
-         {"pin 1234"},
-         {{"9999", ""}, {"1234", ""}},
-         {"ask pin:", "ask pin:"},
-         {"AT+CLCK=\"SC\",0,\"9999\"", "AT+CLCK=\"SC\",0,\"1234\""},
-         true},
-        {"refused entries stay in the dialog",
-         {"pin 1234"},
+    struct Row {
+        const char* world;
+        std::vector<std::pair<const char*, const char*>> typed;
+        std::vector<std::string> asked;
+        std::vector<std::string> sent;
+    };
+    const Row rows[] = {
+        {"pin 1234",
          {{"12", ""}, {"123456789", ""}, {"12a4", ""}, {"1234", ""}},
          {"ask pin:"},
-         {"AT+CLCK=\"SC\",0,\"1234\""},
-         true},
-        {"three wrong PINs lead to the PUK",
-         {"pin 1234"},
+         {"AT+CLCK=\"SC\",0,\"1234\""}},
+        {"pin 1234",
          {{"1111", ""}, {"2222", ""}, {"3333", ""}, {"12345678", "43 21"}},
          {"ask pin:", "ask pin:", "ask pin:", "ask puk:pin:"},
          {"AT+CLCK=\"SC\",0,\"1111\"", "AT+CLCK=\"SC\",0,\"2222\"", "AT+CLCK=\"SC\",0,\"3333\"",
-          "AT+CPIN=12345678,4321"},
-         true},
-        {"PUK", {"puk 12345678"}, {{"12345678", "1234"}}, {"ask puk:pin:"}, {"AT+CPIN=12345678,1234"}, true},
-        {"PUK without a new PIN is refused",
-         {"puk 12345678"},
+          "AT+CPIN=12345678,4321"}},
+        {"puk 12345678",
          {{"12345678", ""}, {"12345678", "1234"}},
          {"ask puk:pin:"},
-         {"AT+CPIN=12345678,1234"},
-         true},
-        {"PUK2",
-         {"ask puk2 87654321"},
-         {{"87654321", "5678"}},
-         {"ask puk2:pin2:"},
-         {"AT+CPIN=87654321,5678"},
-         true},
+         {"AT+CPIN=12345678,1234"}},
+        {"ask puk2 87654321", {{"87654321", "5678"}}, {"ask puk2:pin2:"}, {"AT+CPIN=87654321,5678"}},
     };
-    for (const CodeDialogue& dialogue : dialogues) {
-        SCOPED_TRACE(dialogue.name);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::PrintToString(row.typed));
         SessionBench bench;
-        EXPECT_EQ(bench.unit.Command("imsi 460009999900000"), "") << "shares no digits with the codes";
-        for (const char* command : dialogue.world) {
-            EXPECT_EQ(bench.unit.Command(command), "");
-        }
-        for (const auto& [first, second] : dialogue.typed)
+        bench.Arrange({"imsi 460009999900000", row.world});  // which shares no digits with the codes
+        for (const auto& [first, second] : row.typed)
             bench.screens.Type(first, second);
         bench.OpenModule();
-        EXPECT_EQ(bench.dialog->State().MainScreenMode == ScreenMode::Idle, dialogue.opens);
-
-        std::vector<std::string> asked;
-        for (const std::string& line : bench.screens.Shown()) {
-            if (line.starts_with("ask ")) asked.push_back(line);
-        }
-        EXPECT_THAT(asked, testing::ElementsAreArray(dialogue.asked));
-        std::vector<std::string> sent;
-        for (const std::string& line : bench.unit.TakeTrace()) {
-            if (CarriesCode(line)) sent.push_back(line);
-        }
-        EXPECT_THAT(sent, testing::ElementsAreArray(dialogue.sent));
-        const std::string log = bench.LogContent();
-        for (const auto& [first, second] : dialogue.typed) {
+        EXPECT_EQ(bench.Mode(), ScreenMode::Idle);
+        EXPECT_EQ(StartingWith({"ask "}, bench.screens.Shown()), row.asked);
+        EXPECT_EQ(StartingWith({"AT+CLCK=", "AT+CPIN="}, bench.unit.TakeTrace()), row.sent);
+        for (const auto& [first, second] : row.typed) {
             if (std::string_view(first).size() < 8) continue;
-            EXPECT_THAT(log, Not(HasSubstr(first))) << "no code in the log";
+            EXPECT_THAT(bench.LogContent(), Not(HasSubstr(first))) << "no code in the log";
         }
     }
 }
 
 // Codes that the required facility "SC" does not open: the question comes again, and a cancel ends it.
 TEST(SimUnlock, AsksAgainUntilTheUserGivesUp) {
-    const std::pair<const char*, const char*> kinds[] = {{"ask pin2 5678", "ask pin2:"},
-                                                         {"ask ph-sim 12341234", "ask PH-SIM pin:"},
-                                                         {"ask ph-net 43214321", "ask PH-NET pin:"}};
-    for (const auto& [command, question] : kinds) {
-        SCOPED_TRACE(command);
+    const std::pair<const char*, const char*> rows[] = {{"ask pin2 5678", "ask pin2:"},
+                                                        {"ask ph-sim 12341234", "ask PH-SIM pin:"},
+                                                        {"ask ph-net 43214321", "ask PH-NET pin:"}};
+    for (const auto& [world, question] : rows) {
         SessionBench bench;
-        bench.unit.Command(command);
+        bench.Happen(world);
         bench.screens.Type("0000");
         bench.screens.TypeCancel();
         bench.OpenModule();
         bench.RunFor(3000);
-        EXPECT_EQ(bench.screens.Count(question), 2);
-        EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed);
-        EXPECT_EQ(bench.unit.Count("Set3GPower 0"), 1);
+        ExpectClosed(bench, world);
+        EXPECT_EQ(bench.screens.Count(question), 2) << world;
     }
 }
 
@@ -240,8 +180,7 @@ TEST(SimUnlock, NeverSendsACodeByItselfWhateverTheLineDoes) {
     for (const char* fault : {"late 2s", "double 0.3", "lose 0.3", "split 3", "noise 0.01"}) {
         for (std::uint64_t seed = 1; seed <= 20; ++seed) {
             SessionBench bench(seed);
-            bench.unit.Command("pin 1234");
-            bench.unit.Command(fault);
+            bench.Arrange({"pin 1234", fault});
             bench.screens.Type("9999");
             bench.Start("");
             bench.dialog->OpenModule();
@@ -255,7 +194,7 @@ TEST(ModuleControl, GivesUpAtTheUsersWordAndQuitsInEveryStep) {
     for (Ticks step = 0; step <= 70; ++step) {
         const Ticks when = step * 350;
         SessionBench bench(step + 1);
-        bench.unit.Command("pin 1234");
+        bench.Happen("pin 1234");
         if (step % 4 < 2) bench.screens.Type("1234");
         bench.Start("");
         bench.dialog->OpenModule();
@@ -266,113 +205,81 @@ TEST(ModuleControl, GivesUpAtTheUsersWordAndQuitsInEveryStep) {
             ASSERT_TRUE(bench.RunUntil([&] { return bench.OpenEnded(); }, 2500))
                 << "cancelled after " << when;
             bench.RunFor(5000);
-            EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed);
         } else {
             bench.Quit();
             EXPECT_LE(bench.runtime.Elapsed() - start, 5000u) << "quit after " << when;
         }
-        EXPECT_EQ(bench.unit.SuspendLocks(), 0);
-        EXPECT_FALSE(bench.serial.Open());
+        ExpectClosed(bench, "after " + std::to_string(when));
         EXPECT_GE(bench.unit.Count("Set3GPower 0"), bench.unit.Count("Set3GPower 1"));
-        EXPECT_EQ(Settings(bench.registry).ReadOpenFlag(), 0u);
     }
 }
 
 TEST(ModuleControl, ShutsDownInTheRequiredOrder) {
-    SessionBench bench;
-    bench.OpenModule();
-    bench.unit.TakeTrace();
+    OpenBench bench;
     bench.dialog->CloseModule();
     bench.RunFor(10'000);
     EXPECT_THAT(bench.unit.TakeTrace(), ElementsAre("SetTmcPower 0", "Set3GPower 0"));
-    EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed);
-    EXPECT_FALSE(bench.serial.Open());
+    ExpectClosed(bench, "by the user");
     bench.dialog->CloseModule();
     bench.RunFor(30'000);
     EXPECT_THAT(bench.unit.TakeTrace(), ElementsAre()) << "a closed module is left alone, and not polled";
     bench.OpenModule();
-    EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Idle) << "and can be opened again";
+    EXPECT_EQ(bench.Mode(), ScreenMode::Idle) << "and can be opened again";
 }
 
 TEST(ModuleControl, ComesBackAfterALostUsbLink) {
     for (const char* loss : {"module restart", "vanish", "usb down"}) {
         SCOPED_TRACE(loss);
-        SessionBench bench;
-        bench.OpenModule();
-        bench.RunFor(3000);
-        bench.unit.Command(loss);
+        OpenBench bench;
+        bench.Happen(loss);
         ASSERT_TRUE(bench.RunUntil([&] { return bench.screens.Count("warn 18") == 1; }, 15'000));
-        EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed);
-        bench.unit.Command("appear");
-        bench.unit.Command("usb up");
+        EXPECT_EQ(bench.Mode(), ScreenMode::Closed);
+        bench.Arrange({"appear", "usb up"});
         ASSERT_TRUE(bench.RunUntilOpenEnds());
-        EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Idle);
+        EXPECT_EQ(bench.Mode(), ScreenMode::Idle);
         EXPECT_EQ(bench.screens.Count("warn 18"), 1);
     }
 }
 
 TEST(ModuleControl, TriesThreeTimesToComeBackAndNoMore) {
-    SessionBench bench;
-    bench.OpenModule();
-    bench.unit.Command("usb down");
-    bench.RunFor(600'000);
-    EXPECT_EQ(bench.unit.Count("Set3GPower 1"), 4) << "the first opening and three attempts";
+    OpenBench bench;
+    bench.Happen("usb down", 600'000);
+    ExpectClosed(bench, "in the end");
+    EXPECT_EQ(bench.unit.Count("Set3GPower 1"), 3);
     EXPECT_EQ(bench.unit.Count("Set3GPower 0"), 4);
     EXPECT_EQ(bench.screens.Count("warn 18"), 1);
-    EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed);
 }
 
-TEST(StartUp, RestartsAUnitWhoseModuleIsOnAlready) {
-    SessionBench bench;
-    bench.unit.Command("module on");
-    bench.Start("");
-    EXPECT_THAT(bench.notices.Boxes(), ElementsAre("|Open 3G failed,you should restart machine!"));
-    EXPECT_EQ(bench.unit.Restarts(), 1);
-}
+struct StartUp : testing::Test, SessionBench {};
 
-TEST(StartUp, ClearsWhatAnEarlierRunLeft) {
-    SessionBench bench;
-    Settings(bench.registry).WriteOpenFlag(1);
+TEST_F(StartUp, ClearsWhatAnEarlierRunLeft) {
+    Settings(registry).WriteOpenFlag(1);
     {
-        CGSMData earlier(bench.objects, bench.log);
+        CGSMData earlier(objects, log);
         earlier.SetConnectionStatus(ConnectionStatus::Up);
     }
-    bench.Start("");
-    EXPECT_EQ(Settings(bench.registry).ReadOpenFlag(), 0u);
-    const auto block = bench.objects.CreateFileMapping("SAFE_MEM_DATA_FILE", 1032);
+    Start("");
+    EXPECT_EQ(Settings(registry).ReadOpenFlag(), 0u);
+    const auto block = objects.CreateFileMapping("SAFE_MEM_DATA_FILE", 1032);
     std::uint32_t words[2];
     std::memcpy(words, block->MapViewOfFile().data(), sizeof words);
-    EXPECT_EQ(words[0], static_cast<std::uint32_t>(bench.windows.FindWindow("3Gwindow")));
+    EXPECT_EQ(words[0], static_cast<std::uint32_t>(windows.FindWindow("3Gwindow")));
     EXPECT_EQ(words[1], 0u);
-    EXPECT_TRUE(bench.files.Exists("NandFlash\\System\\Phone"));
-    EXPECT_EQ(bench.screens.Count("place 0"), 1);
-    bench.RunFor(200);
-    EXPECT_EQ(bench.screens.Count("status line shown"), 1);
-    bench.RunFor(5000);
-    EXPECT_EQ(bench.unit.Count("Set3GPower 1"), 0) << "nobody asked to open the module";
+    EXPECT_TRUE(files.Exists("NandFlash\\System\\Phone"));
+    EXPECT_EQ(screens.Count("place 0"), 1);
+    RunFor(200);
+    EXPECT_EQ(screens.Count("status line shown"), 1);
+    RunFor(5000);
+    EXPECT_EQ(unit.Count("Set3GPower 1"), 0) << "nobody asked to open the module";
 }
 
-TEST(StartUp, InTheBackgroundEndsTheProgramWhenTheModuleDoesNotOpen) {
-    SessionBench bench;
-    bench.unit.Command("sim out");
-    bench.Start("1");
-    EXPECT_EQ(bench.screens.Count("place 2"), 1);
-    bench.RunFor(20'000);
-    EXPECT_TRUE(bench.loop.Quitting());
-    EXPECT_EQ(bench.windows.CountPosted("3Gwindow_QUIT 0 0"), 1);
-}
-
-TEST(StartUp, LeavesTheScreenByTheStateOfTheModule) {
-    SessionBench bench;
-    bench.Start("1");
-    ASSERT_TRUE(bench.RunUntilOpenEnds());
-    bench.dialog->HideOrQuit();
-    EXPECT_EQ(bench.windows.CountPosted("3Gwindow_HIDE 0 0"), 1);
-    EXPECT_EQ(bench.screens.Count("place 3"), 1);
-    bench.RunFor(1000);
-    bench.unit.TakeTrace();
-    bench.RunFor(30'000);
-    EXPECT_EQ(bench.unit.Count("AT+CSQ"), 0) << "the poll stops while the window is hidden";
+TEST_F(StartUp, InTheBackgroundEndsTheProgramWhenTheModuleDoesNotOpen) {
+    Happen("sim out");
+    Start("1");
+    EXPECT_EQ(screens.Count("place 2"), 1);
+    RunFor(20'000);
+    EXPECT_TRUE(loop.Quitting());
+    EXPECT_EQ(windows.CountPosted("3Gwindow_QUIT 0 0"), 1);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 // What other programs ask by window messages and copied data, and what hostile ones cannot do.
 #include <cstring>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -8,10 +7,6 @@
 
 namespace varkel::test {
 namespace {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 // The bytes of a message: 32 that mean nothing, the number, the text.
 std::vector<std::byte> Block(std::u16string number, std::u16string_view text) {
@@ -22,23 +17,22 @@ std::vector<std::byte> Block(std::u16string number, std::u16string_view text) {
     return block;
 }
 
-struct Clients : testing::Test {
-    void Post(unsigned number, std::uint32_t wParam = 0, std::uint32_t lParam = 0) {
-        bench.windows.PostMessage(bench.dialog->Window(), {WM_USER + number, wParam, lParam});
-    }
+struct Clients : testing::Test, OpenBench {
     // A program that hears of the link; its place among all.
     std::uint32_t AddProgram() {
         const auto place = static_cast<std::uint32_t>(programs++);
-        return static_cast<std::uint32_t>(
-            bench.windows.AddProgram([this, place](const WindowMessage& message) {
-                if (message.id == 1566) heard.push_back(place * 10 + message.wParam);
-            }));
+        return static_cast<std::uint32_t>(windows.AddProgram([this, place](const WindowMessage& message) {
+            if (message.id == 1566) heard.push_back(place * 10 + message.wParam);
+        }));
     }
     bool Answered(Ticks within) {
-        const auto set = [this] { return response->Wait(0) == WaitResult::Object0; };
-        const bool answered = bench.RunUntil(set, within);
+        const bool answered = RunUntil([this] { return response->Wait(0) == WaitResult::Object0; }, within);
         response->Reset();
         return answered;
+    }
+    bool Answers(unsigned number, Ticks within = 200) {
+        Post(WM_USER + number);
+        return Answered(within);
     }
     GsmDataLayout Shared() {
         GsmDataLayout shared;
@@ -46,83 +40,76 @@ struct Clients : testing::Test {
         return shared;
     }
     std::uint32_t Copy(std::uint32_t dwData, const std::vector<std::byte>& data) {
-        return bench.windows.CopyData("3Gwindow", dwData, data).value_or(99);
+        return windows.CopyData("3Gwindow", dwData, data).value_or(99);
     }
 
-    OpenBench bench;
-    std::shared_ptr<Event> response = bench.objects.CreateEvent("CGSMData RESP EVENT");
-    std::unique_ptr<NamedMapping> block = bench.objects.CreateFileMapping("SAFE_MEM_DATA_FILE", 1032);
+    std::shared_ptr<Event> response = objects.CreateEvent("CGSMData RESP EVENT");
+    std::unique_ptr<NamedMapping> block = objects.CreateFileMapping("SAFE_MEM_DATA_FILE", 1032);
     int programs = 0;
     std::vector<std::uint32_t> heard;
 };
 
 TEST_F(Clients, ReadTheIdentityAndTheLinkInTheSharedBlock) {
-    for (const unsigned number : {1002u, 1003u, 1005u}) {
-        Post(number);
-        EXPECT_TRUE(Answered(200)) << number;
-    }
+    for (const unsigned number : {1002u, 1003u, 1005u})
+        EXPECT_TRUE(Answers(number)) << number;
     EXPECT_EQ(std::u16string(Shared().imsi), u"460001234567890");
     EXPECT_EQ(std::u16string(Shared().imei), u"867959030000017");
     EXPECT_EQ(Shared().connectionStatus, 1u);
-    bench.dialog->Data().RasHangUp();
-    bench.RunFor(5000);
-    Post(1005);
-    EXPECT_TRUE(Answered(200));
+    dialog->Data().RasHangUp();
+    RunFor(5000);
+    EXPECT_TRUE(Answers(1005));
     EXPECT_EQ(Shared().connectionStatus, 2u);
-    EXPECT_THAT(bench.Commands(), IsEmpty());
+    EXPECT_THAT(Commands(), IsEmpty());
 }
 
 TEST_F(Clients, GetAnIdentityThatIsNotKnownYetFromTheModemOrNoAnswer) {
-    SessionState& state = bench.dialog->State();
+    SessionState& state = dialog->State();
     state.m_strImsi.Set("46");
     for (int i = 0; i < 100; ++i)
-        Post(1002);
+        Post(WM_USER + 1002);
     EXPECT_TRUE(Answered(1000));
     EXPECT_EQ(std::u16string(Shared().imsi), u"460001234567890");
-    EXPECT_THAT(bench.Commands(), ElementsAre("AT+CIMI")) << "once for all who ask";
+    EXPECT_THAT(Commands(), ElementsAre("AT+CIMI")) << "once for all who ask";
     state.m_strImei.Set("");
-    bench.unit.Command("late 9s");
-    Post(1003);
-    EXPECT_FALSE(Answered(15'000)) << "too late";
+    Happen("late 9s");
+    EXPECT_FALSE(Answers(1003, 15'000)) << "too late";
     EXPECT_EQ(Shared().imei[0], 0);
-    Post(1003);
-    EXPECT_TRUE(Answered(200)) << "but known by now";
+    EXPECT_TRUE(Answers(1003)) << "but known by now";
 }
 
 TEST_F(Clients, HoldUpNobodyWithTheLockOfTheBlock) {
-    const auto mutex = bench.objects.CreateMutex("SAFE_MEM_DATA_FILE MUTEX");
+    const auto mutex = objects.CreateMutex("SAFE_MEM_DATA_FILE MUTEX");
     ASSERT_EQ(mutex->Wait(0), WaitResult::Object0);
-    Post(1002);
-    const std::uint64_t start = bench.runtime.Elapsed();
-    bench.RunFor(100);
-    EXPECT_LE(bench.runtime.Elapsed() - start, 200u) << "the dialog thread works on";
+    Post(WM_USER + 1002);
+    const std::uint64_t start = runtime.Elapsed();
+    RunFor(100);
+    EXPECT_LE(runtime.Elapsed() - start, 200u) << "the dialog thread works on";
     EXPECT_FALSE(Answered(6000));
     EXPECT_EQ(Shared().imsi[0], 0) << "not written without the lock";
     mutex->ReleaseMutex();
-    Post(1002);
-    EXPECT_TRUE(Answered(200));
+    EXPECT_TRUE(Answers(1002));
 }
 
 TEST_F(Clients, AreToldOfTheLinkInTheOrderInWhichTheyAsked) {
     const std::uint32_t first = AddProgram();
     const std::uint32_t second = AddProgram();
     for (const std::uint32_t window : {second, first, second, 0u, 0xFFFFu})
-        Post(1000, window);
-    bench.RunFor(10'000);
+        Post(WM_USER + 1000, window);
+    RunFor(10'000);
     EXPECT_THAT(heard, ElementsAre(11, 1, 11)) << "one entry, but an answer each";
-    bench.icmp.allSilent = true;
-    Post(1004);
-    Post(1004);
-    bench.RunFor(10'000);
+    icmp.allSilent = true;
+    Post(WM_USER + 1004);
+    Post(WM_USER + 1004);
+    RunFor(10'000);
     EXPECT_THAT(heard, ElementsAre(11, 1, 11, 12, 2)) << "once";
-    Post(1001, second);
-    Post(1001, second);
-    bench.windows.DestroyWindow(WindowHandle{first});
-    Post(1004);
-    bench.RunFor(10'000);
+    Post(WM_USER + 1001, second);
+    Post(WM_USER + 1001, second);
+    windows.DestroyWindow(WindowHandle{first});
+    Post(WM_USER + 1004);
+    RunFor(10'000);
     EXPECT_EQ(heard.size(), 5u) << "one was removed, one has gone";
 
-    Listeners listeners(bench.windows);
+    Listeners listeners(windows);
     for (std::uint32_t handle = 0x10000; listeners.Size() < Listeners::limit; ++handle)
         ASSERT_TRUE(listeners.Add(WindowHandle{handle}));
     EXPECT_FALSE(listeners.Add(WindowHandle{first})) << "the list is full";
@@ -131,20 +118,26 @@ TEST_F(Clients, AreToldOfTheLinkInTheOrderInWhichTheyAsked) {
 }
 
 TEST_F(Clients, SendMessages) {
-    const auto sent = bench.objects.CreateEvent("SendSM_SUS");
+    const auto sent = objects.CreateEvent("SendSM_SUS");
     EXPECT_EQ(Copy(0, Block(u"13800000000", u"hello, 你好")), 1u);
     EXPECT_EQ(Copy(0, Block({u"13800000001\0\x1A", 13}, {u"second\0rest", 11})), 1u);
-    bench.RunFor(20'000);
+    RunFor(20'000);
     EXPECT_EQ(sent->Wait(0), WaitResult::Object0);
-    EXPECT_THAT(bench.unit.Command("sent"), HasSubstr("8613800000000  \"hello, 你好\""));
-    EXPECT_THAT(bench.unit.Command("sent"), HasSubstr("8613800000001  \"second\""));
-    EXPECT_EQ(bench.screens.Count("tip 1") + bench.screens.Count("tip 2"), 0);
-    bench.unit.TakeTrace();
-    EXPECT_EQ(Copy(0, Block(u"12\x1A\rAT+CFUN=0", u"x")), 1u);
-    bench.RunFor(5000);
+    EXPECT_THAT(unit.Command("sent"), HasSubstr("8613800000000  \"hello, 你好\""));
+    EXPECT_THAT(unit.Command("sent"), HasSubstr("8613800000001  \"second\""));
+    Happen("sms-fail 1");
+    EXPECT_EQ(Copy(0, Block(u"13800000002", u"third")), 1u);
+    RunFor(5000);
     EXPECT_EQ(sent->Wait(0), WaitResult::Timeout) << "failed";
-    EXPECT_THAT(bench.Commands(), IsEmpty());
-    EXPECT_EQ(bench.Outbox().size(), 2u);
+    sent->Set();
+    unit.TakeTrace();
+    EXPECT_EQ(Copy(0, Block(u"12\x1A\rAT+CFUN=0", u"x")), 1u);
+    RunFor(5000);
+    EXPECT_EQ(sent->Wait(0), WaitResult::Timeout) << "failed";
+    EXPECT_THAT(Commands(), IsEmpty());
+    EXPECT_EQ(Outbox().size(), 3u);
+    for (const char* tip : {"tip 1", "tip 2", "tip 3"})
+        EXPECT_EQ(screens.Count(tip), 0) << "the event alone tells";
 }
 
 TEST_F(Clients, AreRefusedWhatTheyCannotMean) {
@@ -155,10 +148,10 @@ TEST_F(Clients, AreRefusedWhatTheyCannotMean) {
         EXPECT_EQ(Copy(0, std::vector<std::byte>(size, std::byte{0xFF})), size >= 66 ? 1u : 0u) << size;
     EXPECT_EQ(Copy(0, std::vector<std::byte>(4096, std::byte{'1'})), 1u);
     EXPECT_EQ(Copy(0, std::vector<std::byte>(4097, std::byte{'1'})), 0u);
-    bench.RunFor(60'000);
-    EXPECT_THAT(bench.Commands(), IsEmpty()) << "no number among them";
-    EXPECT_THAT(bench.LogContent(), HasSubstr("[OnCopyData]--a block of 65 bytes is refused"));
-    EXPECT_THAT(bench.notices.Boxes(), ElementsAre("|rcvsm", "|delsm", "|getsm", "|gessmcnt"));
+    RunFor(60'000);
+    EXPECT_THAT(Commands(), IsEmpty()) << "no number among them";
+    EXPECT_THAT(LogContent(), HasSubstr("[OnCopyData]--a block of 65 bytes is refused"));
+    EXPECT_THAT(notices.Boxes(), ElementsAre("|rcvsm", "|delsm", "|getsm", "|gessmcnt"));
 }
 
 TEST_F(Clients, CannotBringTheProgramDownByAnyMessage) {
@@ -168,40 +161,37 @@ TEST_F(Clients, CannotBringTheProgramDownByAnyMessage) {
         messages.push_back(WM_USER + number);
     for (const char* name : {"3Gwindow_SHOW", "3Gwindow_HIDE", "Network_interface", "UM_QX_CALL",
                              "LANGUAGE_CHANGE", "NEED_CLOSE_USB_HOST", "UM_3G_SIMCARDDETACH", "3G_OPEN_END"})
-        messages.push_back(bench.windows.RegisterWindowMessage(name));
+        messages.push_back(windows.RegisterWindowMessage(name));
     for (const MessageId id : messages) {
         for (int i = 0; i < 16; ++i) {
             const std::uint32_t values[] = {0, 1, 0xFFFFFFFF, static_cast<std::uint32_t>(random())};
-            bench.windows.PostMessage(bench.dialog->Window(), {id, values[i % 4], values[i / 4]});
-            bench.RunFor(static_cast<Ticks>(random() % 3000));
+            Post(id, values[i % 4], values[i / 4]);
+            RunFor(static_cast<Ticks>(random() % 3000));
         }
     }
-    bench.RunFor(120'000);
-    ASSERT_FALSE(bench.loop.Quitting());
-    bench.dialog->OpenModule();
-    bench.RunFor(60'000);
-    Post(1005);
-    EXPECT_TRUE(Answered(200)) << "it still serves";
+    RunFor(120'000);
+    ASSERT_FALSE(loop.Quitting());
+    dialog->OpenModule();
+    RunFor(60'000);
+    EXPECT_TRUE(Answers(1005)) << "it still serves";
     EXPECT_EQ(Shared().connectionStatus, 1u);
 }
 
 TEST_F(Clients, MayAskTenThousandTimesASecond) {
     for (std::uint32_t i = 0; i < 1000; ++i)
-        Post(1000, 0x10000 + i);
+        Post(WM_USER + 1000, 0x10000 + i);
     for (std::uint32_t i = 0; i < 10'000; ++i) {
-        Post(1000 + i % 6, 0x10000);
+        Post(WM_USER + 1000 + i % 6, 0x10000);
         (void)Copy(0, Block(u"13800000000", u"flood"));
-        if (i % 100 == 0) bench.RunFor(10);
+        if (i % 100 == 0) RunFor(10);
     }
-    bench.unit.Command("urc RING");
-    const auto rings = [this] { return bench.screens.Count("incoming call") > 0; };
-    ASSERT_TRUE(bench.RunUntil(rings, 1000)) << "a call gets through";
-    bench.RunFor(200'000);
-    Post(1005);
-    EXPECT_TRUE(Answered(200));
-    EXPECT_LE(bench.icmp.Asked().size(), 200u) << "link tests are shared";
-    EXPECT_LE(bench.Outbox().size(), 150u);
-    EXPECT_FALSE(bench.dialog->State().m_externalClient) << "every message has had its result";
+    Happen("urc RING", 1000);
+    EXPECT_GT(screens.Count("incoming call"), 0) << "a call gets through";
+    RunFor(200'000);
+    EXPECT_TRUE(Answers(1005));
+    EXPECT_LE(icmp.Asked().size(), 200u) << "link tests are shared";
+    EXPECT_LE(Outbox().size(), 150u);
+    EXPECT_FALSE(dialog->State().m_externalClient) << "every message has had its result";
 }
 
 }  // namespace

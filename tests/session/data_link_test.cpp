@@ -1,5 +1,4 @@
 // The data link: whose access point, dialling, its states, its test, and every way in which it ends.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/session/open_module.h"
@@ -7,30 +6,24 @@
 namespace varkel::test {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 TEST(AccessPoint, IsThatOfTheFirstOperatorThatServesTheSim) {
-    struct Row {
-        std::vector<const char*> codes;  // the access point of each is its place
-        const char* chosen;              // "" = none
-    };
-    const Row rows[] = {
+    // The operators' codes, of which each one's place is its access point; and the chosen one, "" = none.
+    const std::pair<std::vector<const char*>, std::string> rows[] = {
         {{"46001", "46000", "4600"}, "1"}, {{"46001", ""}, "1"},       {{"", "46000"}, "0"},
         {{"460001234567890"}, "0"},        {{"4600012345678901"}, ""}, {{}, ""},
     };
-    for (const Row& row : rows) {
+    for (const auto& [codes, chosen] : rows) {
         SessionBench bench;
         std::vector<ISP_Struct> operators;
-        for (const char* code : row.codes)
+        for (const char* code : codes)
             operators.push_back(Operator("name", std::to_string(operators.size()).c_str(), code));
         InstallOperators(bench.files, operators);
         Settings settings(bench.registry);
         settings.WriteIsp(Operator("earlier", "earlier", ""));
         bench.OpenModule();
-        const bool found = *row.chosen != '\0';
-        EXPECT_EQ(bench.dialog->Data().CurrentIsp().szAPN.View(), found ? row.chosen : "earlier");
-        EXPECT_EQ(settings.ReadIsp()->szAPN.View(), found ? row.chosen : "earlier");
+        const bool found = !chosen.empty();
+        EXPECT_EQ(bench.dialog->Data().CurrentIsp().szAPN.View(), found ? chosen : "earlier");
+        EXPECT_EQ(settings.ReadIsp()->szAPN.View(), found ? chosen : "earlier");
         EXPECT_EQ(bench.screens.Count("warn 38"), found ? 0 : 1);
         EXPECT_EQ(bench.dialUp.Dialled().size(), found ? 1u : 0u);
     }
@@ -47,50 +40,49 @@ Result TestLink(SessionBench& bench) {
     return {result->status, result->reason};
 }
 
-struct Data : testing::Test {
+struct Data : testing::Test, OpenBench {
     void Report(RasState state) {
-        bench.dialUp.Report(state);
-        bench.RunFor(100);
+        dialUp.Report(state);
+        RunFor(100);
     }
     void Dial() {
         link.OpenNet();
-        bench.RunFor(5000);
+        RunFor(5000);
     }
-    bool AtRest() { return !link.Exists() && bench.dialog->State().m_dataState == DataState::Off; }
+    bool AtRest() { return !link.Exists() && dialog->State().m_dataState == DataState::Off; }
 
-    OpenBench bench;
-    DataLink& link = bench.dialog->Data();
+    DataLink& link = dialog->Data();
 };
 
 TEST_F(Data, IsDialledAndHungUpWithItsPauses) {
     ISP_Struct isp = Operator("CMCC", "my.apn", "");
     isp.userName.Assign("\xC3\xFB");  // GB18030
     isp.password.Assign("secret");
-    bench.registry.refuseWrites = true;
+    registry.refuseWrites = true;
     EXPECT_FALSE(link.SetISPToReg(isp));
-    EXPECT_THAT(bench.notices.Boxes(), ElementsAre("|Failed to set ISP to REG!")) << "used all the same";
-    int cleared = bench.screens.Count("status ");
+    EXPECT_THAT(notices.Boxes(), ElementsAre("|Failed to set ISP to REG!")) << "used all the same";
+    int cleared = screens.Count("status ");
     const auto untilCleared = [&] {
-        const std::uint64_t start = bench.runtime.Elapsed();
+        const std::uint64_t start = runtime.Elapsed();
         ++cleared;
-        EXPECT_TRUE(bench.RunUntil([&] { return bench.screens.Count("status ") == cleared; }, 20'000));
-        return static_cast<int>(bench.runtime.Elapsed() - start);
+        EXPECT_TRUE(RunUntil([&] { return screens.Count("status ") == cleared; }, 20'000));
+        return static_cast<int>(runtime.Elapsed() - start);
     };
     link.RasHangUp();
     EXPECT_NEAR(untilCleared(), 3000, 100);
     link.RasHangUp();
     EXPECT_NEAR(untilCleared(), 2000, 100) << "nothing there";
     link.OpenNet();
-    bench.RunFor(1100);
-    EXPECT_THAT(bench.Commands(), ElementsAre("AT+CGDCONT=1,\"IP\",\"my.apn\""));
-    EXPECT_EQ(bench.dialUp.Dialled().size(), 1u);
+    RunFor(1100);
+    EXPECT_THAT(Commands(), ElementsAre("AT+CGDCONT=1,\"IP\",\"my.apn\""));
+    EXPECT_EQ(dialUp.Dialled().size(), 1u);
     EXPECT_NEAR(untilCleared(), 3100, 200);
     link.OpenNet();
-    bench.RunFor(6000);
-    ASSERT_EQ(bench.dialUp.Dialled().size(), 2u) << "there is a connection already";
-    const RasDialParams params = bench.dialUp.Dialled().back();
+    RunFor(6000);
+    ASSERT_EQ(dialUp.Dialled().size(), 2u) << "there is a connection already";
+    const RasDialParams params = dialUp.Dialled().back();
     EXPECT_EQ(params.entryName + " " + params.userName + " " + params.password, "connet 名 secret");
-    EXPECT_EQ(bench.LogContent().find("secret"), std::string::npos);
+    EXPECT_EQ(LogContent().find("secret"), std::string::npos);
 }
 
 TEST_F(Data, FollowsItsStates) {
@@ -101,86 +93,90 @@ TEST_F(Data, FollowsItsStates) {
     };
     for (const auto& [state, shown] : states) {
         Report(state);
-        EXPECT_EQ(bench.dialog->State().m_dataState, shown) << static_cast<unsigned>(state);
+        EXPECT_EQ(dialog->State().m_dataState, shown) << static_cast<unsigned>(state);
     }
-    bench.RunFor(4000);
+    RunFor(4000);
     EXPECT_TRUE(AtRest());
-    EXPECT_EQ(bench.dialUp.hangUps, 1);
-    bench.dialUp.Report(RasState::Connected);  // comes when the next one is being dialled
+    EXPECT_EQ(dialUp.hangUps, 1);
+    dialUp.Report(RasState::Connected);  // comes when the next one is being dialled
     link.OpenNet();
-    bench.runtime.Sleep(5000);
-    bench.RunFor(100);
+    runtime.Sleep(5000);
+    RunFor(100);
     EXPECT_TRUE(link.Exists());
     EXPECT_FALSE(link.Connected()) << "the old connection's state";
 }
 
 TEST_F(Data, IsGivenUpWhenItIsNotThereAfterFourMinutes) {
     Report(RasState::OpenPort);
-    bench.RunFor(239'000);
-    EXPECT_EQ(bench.dialUp.hangUps, 0);
-    bench.RunFor(1500);
-    EXPECT_EQ(bench.dialUp.hangUps, 1);
+    RunFor(239'000);
+    EXPECT_EQ(dialUp.hangUps, 0);
+    RunFor(1500);
+    EXPECT_EQ(dialUp.hangUps, 1);
     EXPECT_TRUE(AtRest());
     Dial();
     Report(RasState::OpenPort);
     Report(RasState::Connected);
-    bench.RunFor(600'000);
+    RunFor(600'000);
     EXPECT_TRUE(link.Connected());
-    EXPECT_EQ(bench.dialUp.hangUps, 1);
+    EXPECT_EQ(dialUp.hangUps, 1);
 }
 
 TEST_F(Data, CanBeDialledAgainAfterARefusal) {
     link.RasHangUp();
-    bench.RunFor(5000);
-    bench.dialUp.refusal = RasError::Busy;
+    RunFor(5000);
+    dialUp.refusal = RasError::Busy;
     Dial();
-    EXPECT_EQ(bench.screens.Count("warn 19"), 1);
+    EXPECT_EQ(screens.Count("warn 19"), 1);
     EXPECT_TRUE(AtRest());
-    bench.dialUp.refusal = RasError::None;
+    dialUp.refusal = RasError::None;
     link.SetISPToReg(Operator("x", "a\"\rATD110;", ""));
     Dial();
-    EXPECT_EQ(bench.screens.Count("warn 19"), 2) << "no such access point leaves the program";
+    EXPECT_EQ(screens.Count("warn 19"), 2) << "no such access point leaves the program";
     link.SetISPToReg(DefaultIsp());
     Dial();
     EXPECT_TRUE(link.Exists());
 }
 
-TEST_F(Data, IsHungUpForAPoorSignalAndDialledAgainWithAGoodOne) {
+TEST_F(Data, IsHungUpAfterThreeWeakPollsAndDialledAgainAboveSeven) {
     std::vector<WindowMessage> heard;
     const auto listener = static_cast<std::uint32_t>(
-        bench.windows.AddProgram([&heard](const WindowMessage& message) { heard.push_back(message); }));
-    bench.windows.PostMessage(bench.dialog->Window(), {WM_USER + 1000, listener, 0});
-    bench.RunFor(10'000);
+        windows.AddProgram([&heard](const WindowMessage& message) { heard.push_back(message); }));
+    Post(WM_USER + 1000, listener);
+    RunFor(10'000);
     heard.clear();
-    bench.unit.Command("signal 99");
-    bench.RunFor(60'000);
+    Happen("signal 4", 20'500);
+    EXPECT_EQ(dialUp.hangUps, 0);
+    Happen("signal 99", 40'000);
     EXPECT_THAT(heard, ElementsAre(WindowMessage{1566, 2, 12}));
-    EXPECT_EQ(bench.dialUp.hangUps, 1);
+    EXPECT_EQ(dialUp.hangUps, 1) << "once";
+    EXPECT_EQ(dialog->State().m_nLowSignalCount, 3);
     EXPECT_TRUE(AtRest());
-    bench.unit.Command("signal 8");
-    bench.RunFor(60'000);
-    EXPECT_EQ(bench.dialUp.Dialled().size(), 2u);
+    Happen("signal 7", 20'000);
+    EXPECT_EQ(dialUp.Dialled().size(), 1u) << "7 is not enough";
+    Happen("signal 8", 17'000);
+    EXPECT_EQ(dialUp.Dialled().size(), 2u);
+    EXPECT_EQ(dialog->State().m_nLowSignalCount, 0);
     EXPECT_EQ(heard.size(), 1u);
 }
 
 TEST_F(Data, IsTestedOnceForAllWhoAskAndHungUpByTheThirdFailure) {
     const Result works{LinkStatus::Works, LinkReason::None};
     const Result silent{LinkStatus::DoesNotWork, LinkReason::None};
-    EXPECT_EQ(TestLink(bench), works);
-    EXPECT_THAT(bench.icmp.Asked(), ElementsAre("10.64.64.64")) << "the other end";
-    EXPECT_THAT(bench.Commands(), IsEmpty());
-    bench.icmp.allSilent = true;
+    EXPECT_EQ(TestLink(*this), works);
+    EXPECT_THAT(icmp.Asked(), ElementsAre("10.64.64.64")) << "the other end";
+    EXPECT_THAT(Commands(), IsEmpty());
+    icmp.allSilent = true;
     for (int dial = 1; dial <= 2; ++dial) {
         for (int test = 1; test <= 3; ++test) {
-            EXPECT_EQ(bench.dialUp.hangUps, dial - 1) << "a new connection is given three tests, too";
+            EXPECT_EQ(dialUp.hangUps, dial - 1) << "a new connection is given three tests, too";
             for (int i = 0; i < 5; ++i)
                 link.PingTest([](LinkResult) {});
-            EXPECT_EQ(TestLink(bench), silent);
+            EXPECT_EQ(TestLink(*this), silent);
         }
-        EXPECT_EQ(bench.dialUp.hangUps, dial);
-        EXPECT_EQ(bench.icmp.Asked().size(), 1u + 3u * static_cast<unsigned>(dial));
-        EXPECT_EQ(TestLink(bench), silent) << "without a connection nobody is asked";
-        EXPECT_EQ(bench.icmp.Asked().size(), 1u + 3u * static_cast<unsigned>(dial));
+        EXPECT_EQ(dialUp.hangUps, dial);
+        EXPECT_EQ(icmp.Asked().size(), 1u + 3u * static_cast<unsigned>(dial));
+        EXPECT_EQ(TestLink(*this), silent) << "without a connection nobody is asked";
+        EXPECT_EQ(icmp.Asked().size(), 1u + 3u * static_cast<unsigned>(dial));
         Dial();
     }
 }
@@ -203,11 +199,10 @@ TEST(LinkDiagnosis, NamesTheReason) {
     };
     for (const Row& row : rows) {
         SessionBench bench;
-        bench.unit.Command(row.before);
+        bench.Happen(row.before);
         bench.screens.Type("1234");
         bench.OpenModule();
-        for (const char* command : row.world)
-            bench.unit.Command(command);
+        bench.Arrange(row.world);
         bench.dialog->Data().RasHangUp();
         EXPECT_EQ(TestLink(bench), Result(LinkStatus::DoesNotWork, row.reason))
             << testing::PrintToString(row.world);
@@ -228,8 +223,8 @@ TEST(DataAtTheEnd, IsAtRestWhateverItWasIn) {
         link.PingTest([](LinkResult) {});
         bench.RunFor(when);
         bench.dialog->CloseModule();
-        const auto closed = [&bench] { return Settings(bench.registry).ReadOpenFlag() == 0; };
-        ASSERT_TRUE(bench.RunUntil(closed, 8000)) << when;
+        bench.RunFor(8000);
+        ExpectClosed(bench, "after " + std::to_string(when));
         link.OpenNet();
         bench.RunFor(5000);
         EXPECT_FALSE(link.Exists()) << "nothing is dialled for a closed module";

@@ -3,33 +3,31 @@
 #include <random>
 #include <set>
 
+#include "tests/session/open_module.h"
 #include "tests/support/seeds.h"
-#include "tests/support/session_bench.h"
 
 namespace varkel::test {
 namespace {
 
-const char* const troubles[] = {
-    "usb down",        "usb up",
-    "vanish",          "appear",
-    "module restart",  "sim out",
-    "sim in",          "signal 3",
-    "signal 20",       "network off",
-    "network on",      "split 1",
-    "split 7",         "split 0",
-    "noise 0.001",     "noise 0",
-    "late 2s",         "late 0s",
-    "lose 0.1",        "lose 0",
-    "double 0.2",      "double 0",
-    "urc RING",        "urc +URCIND:3",
-    "urc +URCIND:5",   "urc +CME ERROR: SIM busy",
-    "urc BUSY",        "urc ERROR",
-    "urc OK",          "urc +CPIN: SIM PUK",
-    "raw \\r\\n> ",    "sms 10086 hello",
-    "sms-burst 3",     "sms-raw 0791",
-    "sms-fail 1",      "sms-no-prompt 1",
-    "sms-no-result 1",
-};
+const char* const troubles[] = {"usb down",       "usb up",
+                                "vanish",         "appear",
+                                "module restart", "sim out",
+                                "sim in",         "signal 3",
+                                "signal 20",      "network off",
+                                "network on",     "split 1",
+                                "split 7",        "split 0",
+                                "noise 0.001",    "noise 0",
+                                "late 2s",        "late 0s",
+                                "lose 0.1",       "lose 0",
+                                "double 0.2",     "double 0",
+                                "urc RING",       "urc +URCIND:3",
+                                "urc +URCIND:5",  "urc +CME ERROR: SIM busy",
+                                "urc BUSY",       "urc ERROR",
+                                "urc OK",         "urc +CPIN: SIM PUK",
+                                "raw \\r\\n> ",   "sms 10086 hello",
+                                "sms-burst 3",    "sms-raw 0791",
+                                "sms-fail 1",     "sms-no-prompt 1",
+                                "sms-no-result 1"};
 
 struct Life {
     std::uint64_t hash = 0;  // of the trace
@@ -39,18 +37,13 @@ struct Life {
 
 // What other programs and the dial-up service do meanwhile.
 void Meddle(SessionBench& bench, std::mt19937_64& random) {
-    const WindowHandle window = bench.dialog->Window();
     const auto number = static_cast<std::uint32_t>(random() % 3);
     switch (random() % 8) {
-        case 0:
-            bench.windows.PostMessage(window,
-                                      {WM_USER + 1000 + static_cast<MessageId>(random() % 6), 0x4242, 0});
-            break;
+        case 0: bench.Post(WM_USER + 1000 + static_cast<MessageId>(random() % 6), 0x4242); break;
         case 1: {
             const char* const names[] = {"3Gwindow_SHOW", "3Gwindow_HIDE", "Network_interface", "UM_QX_CALL",
                                          "NEED_CLOSE_USB_HOST"};
-            const MessageId id = bench.windows.RegisterWindowMessage(names[random() % std::size(names)]);
-            bench.windows.PostMessage(window, {id, number, number});
+            bench.Post(names[random() % std::size(names)], number, number);
             break;
         }
         case 2: bench.dialog->OnKey(0x5F); break;
@@ -66,8 +59,8 @@ void Meddle(SessionBench& bench, std::mt19937_64& random) {
 Life Live(std::uint64_t seed) {
     std::mt19937_64 random(seed);
     SessionBench bench(seed);
-    if (random() % 2 == 0) bench.unit.Command("pin 1234");
-    if (random() % 4 == 0) bench.unit.Command("puk 12345678");
+    if (random() % 2 == 0) bench.Happen("pin 1234");
+    if (random() % 4 == 0) bench.Happen("puk 12345678");
     for (int i = 0; i < 3; ++i)
         bench.screens.Type(random() % 2 == 0 ? "1234" : "12345678", "1234");
     bench.dialUp.connects = random() % 2 == 0;
@@ -78,8 +71,8 @@ Life Live(std::uint64_t seed) {
     bench.dialog->OpenModule();
     for (int step = 0; step < 8 && !bench.loop.Quitting(); ++step) {
         bench.RunFor(static_cast<Ticks>(random() % 9000));
-        life.opened |= bench.dialog->State().MainScreenMode != ScreenMode::Closed;
-        bench.unit.Command(troubles[random() % std::size(troubles)]);
+        life.opened |= bench.Mode() != ScreenMode::Closed;
+        bench.Happen(troubles[random() % std::size(troubles)]);
         Meddle(bench, random);
         switch (random() % 8) {
             case 0: bench.dialog->CloseModule(); break;
@@ -90,18 +83,13 @@ Life Live(std::uint64_t seed) {
         }
     }
     // With everything well again the program ends in order, whatever it was in.
-    for (const char* remedy : {"usb up", "appear", "noise 0", "late 0s", "lose 0", "double 0", "split 0"}) {
-        bench.unit.Command(remedy);
-    }
+    bench.Arrange({"usb up", "appear", "noise 0", "late 0s", "lose 0", "double 0", "split 0"});
     const std::uint64_t start = bench.runtime.Elapsed();
     bench.Quit();
     EXPECT_EQ(bench.dialUp.Current(), RasHandle::None) << "seed " << seed;
     EXPECT_EQ(bench.dialog->State().m_dataState, DataState::Off) << "seed " << seed;
     EXPECT_LE(bench.runtime.Elapsed() - start, 15'000u) << "seed " << seed;
-    EXPECT_EQ(bench.unit.SuspendLocks(), 0) << "seed " << seed;
-    EXPECT_EQ(bench.dialog->State().MainScreenMode, ScreenMode::Closed) << "seed " << seed;
-    EXPECT_EQ(Settings(bench.registry).ReadOpenFlag(), 0u) << "seed " << seed;
-    EXPECT_FALSE(bench.serial.Open()) << "seed " << seed;
+    ExpectClosed(bench, "seed " + std::to_string(seed));
     life.hash = bench.runtime.TraceHash();
     return life;
 }
@@ -134,20 +122,18 @@ void KeepMessages(std::uint64_t seed) {
     for (int step = 0; step < 12; ++step) {
         bench.RunFor(static_cast<Ticks>(random() % 4000));
         switch (random() % 6) {
-            case 0: bench.unit.Command(world[random() % std::size(world)]); break;
+            case 0: bench.Happen(world[random() % std::size(world)]); break;
             case 1: random() % 2 == 0 ? bench.dialog->CloseModule() : bench.dialog->OpenModule(); break;
             case 2: bench.dialog->Messages().SendSMDll("13800000000", "mine"); break;
-            default: bench.unit.Command("sms 10010 \"number " + std::to_string(++sent) + "\""); break;
+            default: bench.Happen("sms 10010 \"number " + std::to_string(++sent) + "\""); break;
         }
     }
-    for (const char* remedy : {"usb up", "appear", "calm"})
-        bench.unit.Command(remedy);
+    bench.Arrange({"usb up", "appear", "calm"});
     bench.RunFor(60'000);
     bench.dialog->OpenModule();
     bench.RunFor(60'000);
     // Its announcement also brings to light what was announced over a line that was down.
-    bench.unit.Command("sms 10010 \"number " + std::to_string(++sent) + "\"");
-    bench.RunFor(240'000);
+    bench.Happen("sms 10010 \"number " + std::to_string(++sent) + "\"", 240'000);
 
     std::multiset<std::string> kept;
     for (const SmsRecord& record : bench.dialog->Messages().Boxes().inbox.FindSmsRecord())

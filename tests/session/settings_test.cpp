@@ -25,54 +25,46 @@ struct SettingsTest : testing::Test {
 };
 
 TEST_F(SettingsTest, CreatesDefaultsWhereStatedAndNowhereElse) {
-    EXPECT_EQ(settings.ReadConfig("g_bTTSOpen"), 1u);
-    EXPECT_EQ(settings.ReadConfig("m_openwififlag"), 0u);
-    EXPECT_EQ(settings.ReadConfig("StoreSize"), 1024u);
+    const std::pair<const char*, std::uint32_t> config[] = {
+        {"g_bTTSOpen", 1}, {"m_openwififlag", 0}, {"StoreSize", 1024}};
+    for (const auto& [name, value] : config) {
+        EXPECT_EQ(settings.ReadConfig(name), value) << name;
+        EXPECT_EQ(registry.Value("Device\\CONFIG", name), Dword(value)) << name;
+    }
     EXPECT_EQ(settings.ReadConfig("unheard of"), 0u);
-    EXPECT_EQ(registry.Value("Device\\CONFIG", "g_bTTSOpen"), Dword(1));
-    EXPECT_EQ(registry.Value("Device\\CONFIG", "m_openwififlag"), Dword(0));
-    EXPECT_EQ(registry.Value("Device\\CONFIG", "StoreSize"), Dword(1024));
     EXPECT_FALSE(registry.Value("Device\\CONFIG", "unheard of"));
-
-    EXPECT_EQ(settings.ReadDword("GPRS\\NetworkMode", "NetworkMode"), 2u);
-    EXPECT_EQ(settings.ReadDword("GPRS\\NetworkMode", "Account"), 0u);
-    EXPECT_EQ(registry.Value("GPRS\\NetworkMode", "NetworkMode"), Dword(2));
-    EXPECT_EQ(registry.Value("GPRS\\NetworkMode", "Account"), Dword(0));
-
+    const std::pair<const char*, std::uint32_t> modes[] = {{"NetworkMode", 2}, {"Account", 0}};
+    for (const auto& [name, value] : modes) {
+        EXPECT_EQ(settings.ReadDword("GPRS\\NetworkMode", name), value) << name;
+        EXPECT_EQ(registry.Value("GPRS\\NetworkMode", name), Dword(value)) << name;
+    }
     EXPECT_EQ(settings.ReadOpenFlag(), 0u);
     EXPECT_FALSE(registry.Value("GPRS\\OPENFLAG", "m_GprsOpenFlag"));
     EXPECT_EQ(settings.ReadDwordOrOne(Settings::dialogTypeKey, "Gprs"), 1u);
     EXPECT_FALSE(registry.Value("Software\\DialogType", "Gprs"));
-
-    EXPECT_EQ(settings.LoadColors().buttonFont, 0u);
-    EXPECT_TRUE(registry.HasKey("CharacterAttr")) << "created empty";
-    EXPECT_FALSE(registry.Value("CharacterAttr", "BtnFontRed"));
+    EXPECT_EQ(settings.LoadColors().subMenu, 0u);
+    EXPECT_FALSE(registry.Value("CharacterAttr", "SubMenuRed"));
+    settings.WriteDword("CharacterAttr", "SubMenuRed", 1);
+    settings.WriteDword("CharacterAttr", "SubMenuBlue", 3);
+    EXPECT_EQ(settings.LoadColors().subMenu, 0x030001u);
 }
 
-TEST_F(SettingsTest, ReadsWhatIsThere) {
-    registry.SetValue("Device\\CONFIG", "g_bTTSOpen", Dword(0));
-    EXPECT_EQ(settings.ReadConfig("g_bTTSOpen"), 0u);
+TEST_F(SettingsTest, TakesForMissingWhatItCannotRead) {
     EXPECT_TRUE(settings.WriteOpenFlag(1));
+    EXPECT_EQ(registry.flushes, 1) << "a written flag is on the disk";
     EXPECT_EQ(settings.ReadOpenFlag(), 1u);
-    EXPECT_EQ(settings.ReadAutoOpenFlag(), 0u);
-    EXPECT_EQ(registry.Flushes(), 1) << "a written flag is on the disk";
-
-    const char* const parts[] = {"Red", "Green", "Blue"};
-    for (std::uint32_t i = 0; i < 3; ++i) {
-        registry.SetValue("CharacterAttr", std::string("SubMenu") + parts[i], Dword(i + 1));
-    }
-    registry.SetValue("CharacterAttr", "SubTitleSize", Dword(32));
-    const SkinColors colors = settings.LoadColors();
-    EXPECT_EQ(colors.subMenu, 0x030201u);
-    EXPECT_EQ(colors.subTitleSize, 32u);
-    EXPECT_EQ(colors.subTitle, 0u);
-}
-
-TEST_F(SettingsTest, TakesAValueOfAnotherTypeForMissing) {
     registry.SetValue("GPRS\\OPENFLAG", "m_GprsOpenFlag", TextValue(u"1", 4));
     EXPECT_EQ(settings.ReadOpenFlag(), 0u);
     registry.SetValue("GPRS\\OPENFLAG", "m_GprsOpenFlag", {RegistryType::Dword, {std::byte{1}}});
     EXPECT_EQ(settings.ReadOpenFlag(), 0u);
+    EXPECT_TRUE(settings.WriteCardSaveTo(PhoneBookKind::Sim));
+    EXPECT_EQ(settings.ReadCardSaveTo(), PhoneBookKind::Sim);
+    settings.WriteDword("GPRS\\PhoneBookSet", "CardSaveTo", 7);
+    EXPECT_EQ(settings.ReadCardSaveTo(), PhoneBookKind::Local);
+    for (const std::size_t units : {260u, 261u}) {
+        registry.SetValue("Software\\QXPhoneNum", "SOS", TextValue(std::u16string(units, u'1'), units * 2));
+        EXPECT_EQ(settings.ReadPhoneNumber("SOS").size(), units == 260 ? units : 0);
+    }
     registry.refuse = true;
     EXPECT_EQ(settings.ReadConfig("StoreSize"), 1024u);
     EXPECT_EQ(settings.ReadDwordOrOne(Settings::dialogTypeKey, "Gprs"), 1u);
@@ -86,7 +78,7 @@ TEST_F(SettingsTest, KeepsTheOperatorAsTheBytesOfItsRecord) {
     ISP_Struct isp = DefaultIsp();
     isp.password.Assign("p");
     ASSERT_TRUE(settings.WriteIsp(isp));
-    EXPECT_EQ(registry.Flushes(), 1);
+    EXPECT_EQ(registry.flushes, 1);
     auto value = registry.Value("GPRS\\ISP", "ISP_Struct");
     ASSERT_TRUE(value);
     EXPECT_EQ(value->type, RegistryType::Binary);
@@ -103,16 +95,6 @@ TEST_F(SettingsTest, KeepsTheOperatorAsTheBytesOfItsRecord) {
     }
     registry.refuseWrites = true;
     EXPECT_FALSE(settings.WriteIsp(isp));
-}
-
-TEST_F(SettingsTest, ReadsANumberOfAnotherProgram) {
-    EXPECT_EQ(settings.ReadPhoneNumber("SOS"), "");
-    registry.SetValue("Software\\QXPhoneNum", "SOS", TextValue(u"112", 8));
-    EXPECT_EQ(settings.ReadPhoneNumber("SOS"), "112");
-    registry.SetValue("Software\\QXPhoneNum", "SOS", TextValue(std::u16string(260, u'1'), 520));
-    EXPECT_EQ(settings.ReadPhoneNumber("SOS").size(), 260u);
-    registry.SetValue("Software\\QXPhoneNum", "SOS", TextValue(std::u16string(261, u'1'), 522));
-    EXPECT_EQ(settings.ReadPhoneNumber("SOS"), "");
 }
 
 TEST_F(SettingsTest, KeepsAValueTableAsAWhole) {

@@ -4,15 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/support/session_bench.h"
+#include "tests/session/open_module.h"
 
 namespace varkel::test {
 namespace {
-
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 sim::UnitConfig SimWith(int slots, int nameOctets = 20) {
     sim::UnitConfig config;
@@ -25,7 +20,7 @@ struct PhoneBench : SessionBench {
     explicit PhoneBench(const sim::UnitConfig& config, std::uint64_t seed = 1) : SessionBench(seed, config) {}
 
     void Fill(int slot, const std::string& name = "Bob") {
-        unit.Command("book add \"" + name + "\" " + std::to_string(1000 + slot) + " " + std::to_string(slot));
+        Happen("book add \"" + name + "\" " + std::to_string(1000 + slot) + " " + std::to_string(slot));
     }
 
     std::vector<SimEntry> Entries() { return dialog->Phones().Sim().Entries(); }
@@ -37,13 +32,7 @@ struct PhoneBench : SessionBench {
     }
 
     // Commands of the phonebook and its character set since the trace was taken last.
-    std::vector<std::string> Commands() {
-        std::vector<std::string> commands;
-        for (const std::string& line : unit.TakeTrace()) {
-            if (line.starts_with("AT+CPB") || line.starts_with("AT+CSCS")) commands.push_back(line);
-        }
-        return commands;
-    }
+    std::vector<std::string> Commands() { return StartingWith({"AT+CPB", "AT+CSCS"}, unit.TakeTrace()); }
 
     // Starts a change and lets the dialog thread work until it is done.
     template <class Change>
@@ -53,9 +42,9 @@ struct PhoneBench : SessionBench {
         EXPECT_TRUE(RunUntil([&] { return result.has_value(); }, 60'000));
         return result.value_or(PhoneBookResult::NotFound);
     }
-    PhoneBookResult Add(const std::string& name, const std::string& number,
+    PhoneBookResult Add(const std::string& name, const std::array<std::string, 4>& numbers,
                         PhoneBookKind book = PhoneBookKind::Sim) {
-        return Do([&](PhoneBook& phones, auto done) { phones.Add(book, {name, {number}}, done); });
+        return Do([&](PhoneBook& phones, auto done) { phones.Add(book, {name, numbers}, done); });
     }
     PhoneBookResult Delete(const PhoneEntry& seen) {
         return Do([&](PhoneBook& phones, auto done) { phones.Delete(seen, done); });
@@ -73,13 +62,12 @@ TEST(SimPhonebookTest, ReadsBlocksOfTenUntilItHasAll) {
         std::vector<int> read;
     };
     const std::vector<int> ten{1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
-    const std::vector<int> eleven{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11};
     const std::vector<int> twelve{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
     const Case cases[] = {
         {250, {}, {}, {}},
         {1, {1}, {}, {}},
         {2, {2}, {"AT+CPBR=1,2"}, {2}},
-        {11, eleven, {"AT+CPBR=1,10"}, ten},
+        {11, ten, {"AT+CPBR=1,10"}, ten},
         {12, twelve, {"AT+CPBR=1,10", "AT+CPBR=11,12"}, twelve},
         {250, {3, 10}, {"AT+CPBR=1,10"}, {3, 10}},
         {30, {2, 25}, {"AT+CPBR=1,10", "AT+CPBR=11,20", "AT+CPBR=21,30"}, {2, 25}},
@@ -89,12 +77,8 @@ TEST(SimPhonebookTest, ReadsBlocksOfTenUntilItHasAll) {
         for (const int slot : each.filled)
             bench.Fill(slot);
         bench.OpenModule();
-        std::vector<std::string> reads;
-        for (const std::string& line : bench.unit.TakeTrace()) {
-            if (line.starts_with("AT+CPBR")) reads.push_back(line);
-        }
-        EXPECT_THAT(reads, ElementsAreArray(each.commands)) << each.slots;
-        EXPECT_THAT(bench.Slots(), ElementsAreArray(each.read)) << each.slots;
+        EXPECT_EQ(StartingWith({"AT+CPBR"}, bench.unit.TakeTrace()), each.commands) << each.slots;
+        EXPECT_EQ(bench.Slots(), each.read) << each.slots;
     }
 }
 
@@ -113,7 +97,7 @@ TEST(SimPhonebookTest, ReadsAFullSimWhateverTheChunks) {
         PhoneBench bench(SimWith(250, 40));
         for (int slot = 1; slot <= 250; ++slot)
             bench.Fill(slot, "张三李四王五赵六钱七孙八周九");
-        bench.unit.Command(fault);
+        bench.Happen(fault);
         bench.OpenModule();
         const auto entries = bench.Entries();
         ASSERT_EQ(entries.size(), 250u) << fault;
@@ -198,31 +182,23 @@ TEST(SimPhonebookTest, TakesNoMoreThanIsUsedAndNoSlotTwice) {
 }
 
 TEST(SimPhonebookAnswers, AreReadWhateverTheirShape) {
-    const struct {
-        const char* line;
-        std::optional<SimEntry> entry;
-    } lines[] = {
-        {"+CPBR: 7 ,\"+86138\",145,\"4f60597D\"", SimEntry{7, "+86138", "你好"}},
-        {"+CPBR: 999,\"\",129,\"0041FFFFFFFF\"", SimEntry{999, "", "A"}},
-        {"+CPBR: 1,\"1\",129,\"Bob Ö\"", SimEntry{1, "1", "Bob Ö"}},
-        {"+CPBR: 1,\"1\",129,\"00410\"", SimEntry{1, "1", "A"}},
-        {"+CPBR: 1,\"1\",129,\"Abe\"", SimEntry{1, "1", "Abe"}},
-        {"+CPBR: 1,\"1\",129,\"D83DDE00\"", SimEntry{1, "1", "😀"}},
-        {"+CPBR: 1,\"1\",129,\"D83D\"", SimEntry{1, "1", "\xEF\xBF\xBD"}},
-        {"+CPBR: 1,\"1\",129,\"\xFF\"", SimEntry{1, "1", "\xEF\xBF\xBD"}},
-        {"+CPBR: 1,\"1\",129,\"0041", std::nullopt},
-        {"+CPBR: 1,\"1,129,0041\"", std::nullopt},
-        {"+CPBR: 1,1,129,A", std::nullopt},
-        {"+CPBR: x,\"1\",129,\"0041\"", std::nullopt},
-        {"+CPBR: -1,\"1\",129,\"0041\"", std::nullopt},
-        {"+CPBR: 1000,\"1\",129,\"0041\"", std::nullopt},
-        {"+CPBR: 99999999999999999999,\"1\",129,\"0041\"", std::nullopt},
-        {"+CPBR: (1-250),20,20", std::nullopt},
-        {"+CPBR:", std::nullopt},
-        {"", std::nullopt},
+    const std::pair<const char*, SimEntry> lines[] = {
+        {"+CPBR: 7 ,\"+86138\",145,\"4f60597D\"", {7, "+86138", "你好"}},
+        {"+CPBR: 999,\"\",129,\"0041FFFFFFFF\"", {999, "", "A"}},
+        {"+CPBR: 1,\"1\",129,\"Bob Ö\"", {1, "1", "Bob Ö"}},
+        {"+CPBR: 1,\"1\",129,\"00410\"", {1, "1", "A"}},
+        {"+CPBR: 1,\"1\",129,\"Abe\"", {1, "1", "Abe"}},
+        {"+CPBR: 1,\"1\",129,\"D83DDE00\"", {1, "1", "😀"}},
+        {"+CPBR: 1,\"1\",129,\"D83D\"", {1, "1", "\xEF\xBF\xBD"}},
+        {"+CPBR: 1,\"1\",129,\"\xFF\"", {1, "1", "\xEF\xBF\xBD"}},
     };
     for (const auto& [line, entry] : lines)
         EXPECT_EQ(ParseSimEntry(line), entry) << line;
+    for (const char* line :
+         {"+CPBR: 1,\"1\",129,\"0041", "+CPBR: 1,\"1,129,0041\"", "+CPBR: 1,1,129,A",
+          "+CPBR: x,\"1\",129,\"0041\"", "+CPBR: -1,\"1\",129,\"0041\"", "+CPBR: 1000,\"1\",129,\"0041\"",
+          "+CPBR: 99999999999999999999,\"1\",129,\"0041\"", "+CPBR: (1-250),20,20", "+CPBR:", ""})
+        EXPECT_EQ(ParseSimEntry(line), std::nullopt) << line;
 
     const auto size = [](const char* text) {
         const auto parsed = ParseSimBookSize(text);
@@ -249,7 +225,7 @@ TEST(SimPhonebookEditing, WritesInUcs2AndGoesBackToGsm) {
     bench.Fill(1);
     bench.OpenModule();
     bench.unit.TakeTrace();
-    EXPECT_EQ(bench.Add("你好", "138 0013-8000"), PhoneBookResult::Done);
+    EXPECT_EQ(bench.Add("你好", {"138 0013-8000"}), PhoneBookResult::Done);
     EXPECT_THAT(
         bench.Commands(),
         ElementsAre("AT+CSCS=\"UCS2\"", "AT+CPBW=2,\"13800138000\",129,\"4f60597d\"", "AT+CSCS=\"GSM\""));
@@ -271,14 +247,10 @@ TEST(SimPhonebookEditing, WritesInUcs2AndGoesBackToGsm) {
 TEST(SimPhonebookEditing, SaysWhyItCannot) {
     PhoneBench bench(SimWith(2));
     bench.Start("");
-    EXPECT_EQ(bench.Add("a", "1"), PhoneBookResult::ModuleClosed);
+    EXPECT_EQ(bench.Add("a", {"1"}), PhoneBookResult::ModuleClosed);
     bench.OpenModule();
     bench.unit.TakeTrace();
-    const struct {
-        const char* name;
-        const char* number;
-        PhoneBookResult result;
-    } refused[] = {
+    const std::tuple<const char*, const char*, PhoneBookResult> refused[] = {
         {"a name of 21 letters.", "1", PhoneBookResult::NameTooLong},
         {"a", "", PhoneBookResult::NumberInvalid},
         {"a", "1\r\nATD112;", PhoneBookResult::NumberInvalid},
@@ -286,18 +258,18 @@ TEST(SimPhonebookEditing, SaysWhyItCannot) {
         {"a", "123456789012345678901", PhoneBookResult::NumberTooLong},
     };
     for (const auto& [name, number, result] : refused)
-        EXPECT_EQ(bench.Add(name, number), result) << number;
+        EXPECT_EQ(bench.Add(name, {number}), result) << number;
     EXPECT_THAT(bench.Commands(), IsEmpty()) << "none of it reached the modem";
-    EXPECT_EQ(bench.Add("一二三四五六七八九十", "1"), PhoneBookResult::NameTooLong) << "said by the SIM";
-    EXPECT_EQ(bench.Add("\" \r\nATD112;\r\n", "+12345678901234567890"), PhoneBookResult::Done);
-    bench.unit.Command("lose 1");
+    EXPECT_EQ(bench.Add("一二三四五六七八九十", {"1"}), PhoneBookResult::NameTooLong) << "said by the SIM";
+    EXPECT_EQ(bench.Add("\" \r\nATD112;\r\n", {"+12345678901234567890"}), PhoneBookResult::Done);
+    bench.Happen("lose 1");
     const std::uint64_t start = bench.runtime.Elapsed();
-    EXPECT_EQ(bench.Add("b", "2"), PhoneBookResult::Refused) << "a modem that says nothing";
+    EXPECT_EQ(bench.Add("b", {"2"}), PhoneBookResult::Refused) << "a modem that says nothing";
     EXPECT_LT(bench.runtime.Elapsed() - start, 12'000u);
     EXPECT_EQ(bench.Entries().size(), 1u);
-    bench.unit.Command("lose 0");
-    EXPECT_EQ(bench.Add("b", "2"), PhoneBookResult::Done);
-    EXPECT_EQ(bench.Add("c", "3"), PhoneBookResult::SimFull);
+    bench.Happen("lose 0");
+    EXPECT_EQ(bench.Add("b", {"2"}), PhoneBookResult::Done);
+    EXPECT_EQ(bench.Add("c", {"3"}), PhoneBookResult::SimFull);
 }
 
 TEST(SimPhonebookEditing, NeverWritesOverAnEntryThatWasNotRead) {
@@ -307,8 +279,8 @@ TEST(SimPhonebookEditing, NeverWritesOverAnEntryThatWasNotRead) {
     }
     bench.OpenModule();
     EXPECT_THAT(bench.Slots(), ElementsAre(1, 2, 3, 4, 6, 7, 8, 9, 10)) << "the last slot is not read";
-    EXPECT_EQ(bench.Add("new", "5"), PhoneBookResult::Done);
-    EXPECT_EQ(bench.Add("newer", "6"), PhoneBookResult::SimFull);
+    EXPECT_EQ(bench.Add("new", {"5"}), PhoneBookResult::Done);
+    EXPECT_EQ(bench.Add("newer", {"6"}), PhoneBookResult::SimFull);
     EXPECT_THAT(bench.unit.Command("book list"), HasSubstr("11  1011  Bob"));
     EXPECT_THAT(bench.unit.Command("book list"), HasSubstr("5  5  new"));
 }
@@ -318,8 +290,7 @@ TEST(SimPhonebookEditing, KeepsApartFromMessagesAndThePoll) {
         PhoneBench bench(SimWith(50), seed);
         bench.OpenModule();
         bench.dialog->Messages().SendSMDll("10010", "meanwhile");
-        bench.unit.Command("sms 10086 \"and another\"");
-        bench.RunFor(static_cast<Ticks>(seed * 37));
+        bench.Happen("sms 10086 \"and another\"", static_cast<Ticks>(seed * 37));
         int done = 0;
         for (int i = 0; i < 5; ++i) {
             bench.dialog->Phones().Add(
@@ -330,24 +301,19 @@ TEST(SimPhonebookEditing, KeepsApartFromMessagesAndThePoll) {
         EXPECT_EQ(done, 5) << "seed " << seed;
         EXPECT_EQ(bench.Entries().size(), 5u) << "seed " << seed;
         EXPECT_EQ(bench.dialog->Messages().Boxes().inbox.Count(), 1u) << "seed " << seed;
-        EXPECT_FALSE(bench.dialog->State().MainScreenMode == ScreenMode::Closed);
+        EXPECT_EQ(bench.Mode(), ScreenMode::Idle) << "seed " << seed;
     }
 }
 
 TEST(PhoneBookTest, LooksIntoTheLocalBookFirst) {
     PhoneBench bench(SimWith(20));
-    bench.unit.Command("book add \"on the SIM\" 111");
-    bench.unit.Command("book add \"hidden\" 222");
+    bench.Arrange({"book add \"on the SIM\" 111", "book add \"hidden\" 222"});
     bench.OpenModule();
-    const auto local = [&](const char* name, std::array<std::string, 4> numbers) {
-        return bench.Do([&](PhoneBook& phones, auto done) {
-            phones.Add(PhoneBookKind::Local, {name, numbers}, done);
-        });
-    };
-    EXPECT_EQ(local("Grüße 你好", {"333", "", "222", "+86 10"}), PhoneBookResult::Done);
-    EXPECT_EQ(local("", {"444"}), PhoneBookResult::Done);
-    EXPECT_EQ(local(std::string(60, 'n').c_str(), {"1"}), PhoneBookResult::NameTooLong);
-    EXPECT_EQ(local("n", {"", std::string(60, '1')}), PhoneBookResult::NumberTooLong);
+    constexpr PhoneBookKind local = PhoneBookKind::Local;
+    EXPECT_EQ(bench.Add("Grüße 你好", {"333", "", "222", "+86 10"}, local), PhoneBookResult::Done);
+    EXPECT_EQ(bench.Add("", {"444"}, local), PhoneBookResult::Done);
+    EXPECT_EQ(bench.Add(std::string(60, 'n'), {"1"}, local), PhoneBookResult::NameTooLong);
+    EXPECT_EQ(bench.Add("n", {"", std::string(60, '1')}, local), PhoneBookResult::NumberTooLong);
     PhoneBook& phones = bench.dialog->Phones();
     const std::pair<const char*, const char*> names[] = {
         {"111", "on the SIM"}, {"222", "Grüße 你好"}, {"+86 10", "Grüße 你好"},
@@ -365,15 +331,7 @@ TEST(PhoneBookTest, LooksIntoTheLocalBookFirst) {
     EXPECT_EQ(bench.Delete(seen), PhoneBookResult::Done);
     EXPECT_EQ(bench.Delete(seen), PhoneBookResult::NotFound);
     bench.files.freeBytes = 0;
-    EXPECT_EQ(local("full", {"1"}), PhoneBookResult::VolumeFull);
-
-    Settings settings(bench.registry);
-    EXPECT_EQ(settings.ReadCardDisp(), PhoneBooks::Both);
-    EXPECT_TRUE(settings.WriteCardDisp(PhoneBooks::Sim) && settings.WriteCardSaveTo(PhoneBookKind::Sim));
-    EXPECT_EQ(settings.ReadCardDisp(), PhoneBooks::Sim);
-    EXPECT_EQ(settings.ReadCardSaveTo(), PhoneBookKind::Sim);
-    settings.WriteDword("GPRS\\PhoneBookSet", "CardSaveTo", 7);
-    EXPECT_EQ(settings.ReadCardSaveTo(), PhoneBookKind::Local);
+    EXPECT_EQ(bench.Add("full", {"1"}, local), PhoneBookResult::VolumeFull);
 }
 
 }  // namespace

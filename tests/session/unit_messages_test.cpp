@@ -1,5 +1,4 @@
 // What the head unit orders: the window, the module, emergency calls, sleep.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "session/registry_values.h"
@@ -8,82 +7,78 @@
 namespace varkel::test {
 namespace {
 
-using testing::IsEmpty;
+struct UnitMessagesTest : testing::Test, OpenBench {
+    void Order(const char* name, std::uint32_t wParam = 0, std::uint32_t lParam = 0) {
+        Post(name, wParam, lParam);
+        RunFor(50);
+    }
+};
 
-void Post(SessionBench& bench, const char* name, std::uint32_t wParam = 0, std::uint32_t lParam = 0) {
-    const MessageId id = bench.windows.RegisterWindowMessage(name);
-    bench.windows.PostMessage(bench.dialog->Window(), {id, wParam, lParam});
-    bench.RunFor(50);
+TEST_F(UnitMessagesTest, HideAndShowTheWindow) {
+    Order("3Gwindow_HIDE");
+    EXPECT_EQ(windows.CountPosted("3Gwindow_HIDE 0 0"), 1);
+    EXPECT_EQ(screens.Count("place 3"), 1);
+    RunFor(30'000);
+    EXPECT_EQ(unit.Count("AT+CSQ"), 0) << "the poll stops while the window is hidden";
+    Settings(registry).WriteDword("Device\\CONFIG", "g_bTTSOpen", 0);
+    Order("3Gwindow_SHOW");
+    EXPECT_EQ(screens.Shown().back(), "place 0");
+    EXPECT_FALSE(dialog->State().g_bTTSOpen);
+    RunFor(10'000);
+    EXPECT_EQ(unit.Count("AT+CSQ"), 2) << "the poll goes on";
+    Order("3Gwindow_QUIT");
+    loop.Run([] { return false; });
+    EXPECT_EQ(unit.Count("Set3GPower 0"), 1);
 }
 
-bool Open(SessionBench& bench) {
-    return bench.dialog->State().MainScreenMode == ScreenMode::Idle;
-}
-
-TEST(UnitMessagesTest, HideAndShowTheWindow) {
-    OpenBench bench;
-    Post(bench, "3Gwindow_HIDE");
-    EXPECT_EQ(bench.windows.CountPosted("3Gwindow_HIDE 0 0"), 1);
-    bench.RunFor(30'000);
-    EXPECT_EQ(bench.unit.Count("AT+CSQ"), 0);
-    Settings(bench.registry).WriteDword("Device\\CONFIG", "g_bTTSOpen", 0);
-    Post(bench, "3Gwindow_SHOW");
-    EXPECT_EQ(bench.screens.Shown().back(), "place 0");
-    EXPECT_FALSE(bench.dialog->State().g_bTTSOpen);
-    bench.RunFor(10'000);
-    EXPECT_EQ(bench.unit.Count("AT+CSQ"), 2) << "the poll goes on";
-    Post(bench, "3Gwindow_QUIT");
-    bench.loop.Run([] { return false; });
-    EXPECT_EQ(bench.unit.Count("Set3GPower 0"), 1);
-}
-
-TEST(UnitMessagesTest, ChangeTheLanguage) {
-    OpenBench bench;
-    const auto change = [&bench](const char16_t* language) {
-        bool created = false;
-        bench.registry.RegCreateKeyEx("Device\\CONFIG", created)
-            ->RegSetValueEx("Language", TextValue(language, 32));
-        Post(bench, "LANGUAGE_CHANGE");
-        return bench.language.LoadString("IDS_RING");
+TEST_F(UnitMessagesTest, ChangeTheLanguage) {
+    const auto change = [this](const char16_t* name) {
+        registry.SetValue("Device\\CONFIG", "Language", TextValue(name, 32));
+        Order("LANGUAGE_CHANGE");
+        return language.LoadString("IDS_RING");
     };
-    bench.files.WriteWhole("\\ResidentFlash2\\bin\\Language\\russian.txt", "[GPRS]\nIDS_RING = звонит\n");
+    files.WriteWhole("\\ResidentFlash2\\bin\\Language\\russian.txt", "[GPRS]\nIDS_RING = звонит\n");
     EXPECT_EQ(change(u"russian"), "звонит");
-    EXPECT_EQ(bench.screens.Count("texts"), 1);
+    EXPECT_EQ(screens.Count("texts"), 1);
     EXPECT_EQ(change(u"klingon"), "звонит") << "no language";
     EXPECT_EQ(change(u"portugal"), "звонит") << "no texts";
-    EXPECT_EQ(bench.language.GetLanguage(), "russian");
-    bench.files.WriteWhole("\\ResidentFlash2\\bin\\Language\\russian.txt", "[GPRS]\nIDS_RING = вызов\n");
+    EXPECT_EQ(language.GetLanguage(), "russian");
+    files.WriteWhole("\\ResidentFlash2\\bin\\Language\\russian.txt", "[GPRS]\nIDS_RING = вызов\n");
     EXPECT_EQ(change(u"russian"), "вызов") << "the texts have changed, not the language";
 }
 
-TEST(UnitMessagesTest, OpenAndCloseTheModule) {
-    OpenBench bench;
+TEST_F(UnitMessagesTest, OpenAndCloseTheModule) {
     for (const std::uint32_t order : {1u, 2u, 0u})
-        Post(bench, "Network_interface", 0, order);
-    bench.RunFor(5000);
-    EXPECT_TRUE(Open(bench)) << "nothing of that closes it";
-    Post(bench, "3Gwindow_HIDE");
-    Post(bench, "Network_interface", 0, 0);
-    EXPECT_FALSE(bench.dialog->State().m_bOpenPending) << "it is open: a call must get through";
-    Post(bench, "NEED_CLOSE_USB_HOST");
-    bench.RunFor(6000);
-    Post(bench, "Network_interface", 0, 0);
-    bench.RunFor(60'000);
-    EXPECT_FALSE(Open(bench)) << "not while the window is hidden";
-    Post(bench, "NEED_CLOSE_USB_HOST");
-    EXPECT_FALSE(bench.dialog->State().m_bOpenPending) << "taken back";
-    Post(bench, "Network_interface", 0, 0);
-    Post(bench, "3Gwindow_SHOW");
-    bench.RunFor(60'000);
-    EXPECT_TRUE(Open(bench));
-    EXPECT_FALSE(bench.dialog->State().m_bOpenPending);
+        Order("Network_interface", 0, order);
+    RunFor(5000);
+    EXPECT_EQ(Mode(), ScreenMode::Idle) << "nothing of that closes it";
+    Order("3Gwindow_HIDE");
+    Order("Network_interface", 0, 0);
+    EXPECT_FALSE(dialog->State().m_bOpenPending) << "it is open: a call must get through";
+    Order("NEED_CLOSE_USB_HOST");
+    RunFor(6000);
+    Order("Network_interface", 0, 0);
+    RunFor(60'000);
+    EXPECT_EQ(Mode(), ScreenMode::Closed) << "not while the window is hidden";
+    Order("NEED_CLOSE_USB_HOST");
+    EXPECT_FALSE(dialog->State().m_bOpenPending) << "taken back";
+    Order("Network_interface", 0, 0);
+    Order("3Gwindow_SHOW");
+    RunFor(60'000);
+    EXPECT_EQ(Mode(), ScreenMode::Idle);
+    EXPECT_FALSE(dialog->State().m_bOpenPending);
     for (const char* order : {"NEED_CLOSE_USB_HOST", "Network_interface", "NEED_CLOSE_USB_HOST"})
-        Post(bench, order);
-    bench.RunFor(60'000);
-    EXPECT_FALSE(bench.dialog->State().m_bModuleOpen) << "what waits to be opened is taken back as well";
+        Order(order);
+    RunFor(60'000);
+    EXPECT_FALSE(dialog->State().m_bModuleOpen) << "what waits to be opened is taken back as well";
+    Order("UM_3G_SIMCARDDETACH");
+    EXPECT_TRUE(dialog->OnKey(0xEE));
+    EXPECT_FALSE(dialog->OnKey(0x41));
+    RunFor(60'000);
+    EXPECT_EQ(Mode(), ScreenMode::Closed) << "it was not asleep";
 }
 
-TEST(UnitMessagesTest, CallForHelp) {
+TEST(EmergencyCall, DialsTheStoredNumberOrSaysWhyNot) {
     struct Row {
         std::u16string sos;
         std::uint32_t which;
@@ -100,9 +95,9 @@ TEST(UnitMessagesTest, CallForHelp) {
     };
     for (const Row& row : rows) {
         OpenBench bench;
-        bench.unit.Command(row.world);
+        bench.Happen(row.world);
         bench.registry.SetValue("Software\\QXPhoneNum", "SOS", TextValue(row.sos, row.sos.size() * 2 + 2));
-        Post(bench, "UM_QX_CALL", row.which);
+        bench.Post("UM_QX_CALL", row.which);
         bench.RunFor(2000);
         EXPECT_EQ(bench.Commands(), row.commands);
         EXPECT_EQ(bench.screens.Count(row.warning), *row.warning ? 1 : 0) << row.warning;
@@ -118,34 +113,22 @@ TEST(Sleep, LeavesTheModuleAsItWas) {
         bench.Start("");
         bench.dialog->OpenModule();
         bench.RunFor(when / 2);
-        if (when % 2000 == 0) bench.unit.Command("urc RING");
+        if (when % 2000 == 0) bench.Happen("urc RING");
         bench.RunFor(when / 2);
         const bool open = Settings(bench.registry).ReadOpenFlag() == 1;
         EXPECT_TRUE(bench.dialog->OnKey(0x5F));
         bench.RunFor(when % 4000);  // perhaps the unit wakes up before all is shut down
         EXPECT_TRUE(bench.dialog->OnKey(0xEE));
         const bool closing = Settings(bench.registry).ReadOpenFlag() == 1;
-        Post(bench, "UM_3G_SIMCARDDETACH");
+        bench.Post("UM_3G_SIMCARDDETACH");
         bench.RunFor(6000);
         EXPECT_EQ(bench.dialog->State().m_bModuleOpen, !closing) << when;
-        bench.windows.PostMessage(bench.dialog->Window(),
-                                  {when % 1000 == 0 ? WM_KEYDOWN : WM_SYSKEYDOWN, 0xEE, 0});
+        bench.Post(when % 1000 == 0 ? WM_KEYDOWN : WM_SYSKEYDOWN, 0xEE);
         bench.RunFor(90'000);
-        EXPECT_TRUE(Open(bench)) << when;
+        EXPECT_EQ(bench.Mode(), ScreenMode::Idle) << when;
         EXPECT_EQ(bench.unit.Count("Set3GPower 1"), open || closing ? 2 : 1) << when;
         EXPECT_EQ(bench.unit.SuspendLocks(), 0);
     }
-}
-
-TEST(Sleep, WakesNoModuleThatWasClosed) {
-    OpenBench bench;
-    bench.dialog->CloseModule();
-    bench.RunFor(6000);
-    Post(bench, "UM_3G_SIMCARDDETACH");
-    bench.dialog->OnKey(0xEE);
-    bench.RunFor(60'000);
-    EXPECT_FALSE(Open(bench));
-    EXPECT_FALSE(bench.dialog->OnKey(0x41));
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 // The registry in memory.
 #pragma once
 
+#include <atomic>
 #include <map>
-#include <mutex>
 #include <string>
 
+#include "platform/guarded.h"
 #include "platform/registry.h"
 #include "platform/text.h"
 
@@ -12,48 +13,36 @@ namespace varkel::test {
 
 class MemoryRegistry final : public Registry {
   public:
-    using Values = std::map<std::string, RegistryValue>;
-
     std::unique_ptr<RegistryKey> RegCreateKeyEx(std::string_view key, bool& created) override {
         if (refuse) return nullptr;
-        std::lock_guard lock(m_mutex);
-        created = m_keys.try_emplace(Name(key)).second;
+        created = m_keys.With([&](Keys& keys) { return keys.try_emplace(Name(key)).second; });
         return std::make_unique<Key>(*this, Name(key));
     }
 
     bool RegFlushKey() override {
-        std::lock_guard lock(m_mutex);
-        ++m_flushes;
+        ++flushes;
         return true;
     }
 
-    bool HasKey(std::string_view key) {
-        std::lock_guard lock(m_mutex);
-        return m_keys.contains(Name(key));
-    }
-
     std::optional<RegistryValue> Value(std::string_view key, std::string_view name) {
-        std::lock_guard lock(m_mutex);
-        const auto found = m_keys.find(Name(key));
-        if (found == m_keys.end()) return std::nullopt;
-        const auto value = found->second.find(LowerAscii(name));
-        return value == found->second.end() ? std::nullopt : std::optional(value->second);
+        return m_keys.With([&](Keys& keys) -> std::optional<RegistryValue> {
+            const auto found = keys.find(Name(key));
+            if (found == keys.end() || !found->second.contains(LowerAscii(name))) return std::nullopt;
+            return found->second[LowerAscii(name)];
+        });
     }
 
     void SetValue(std::string_view key, std::string_view name, const RegistryValue& value) {
-        std::lock_guard lock(m_mutex);
-        m_keys[Name(key)][LowerAscii(name)] = value;
+        m_keys.With([&](Keys& keys) { keys[Name(key)][LowerAscii(name)] = value; });
     }
 
-    int Flushes() {
-        std::lock_guard lock(m_mutex);
-        return m_flushes;
-    }
-
+    std::atomic<int> flushes = 0;
     bool refuse = false;  // no key can be opened
     bool refuseWrites = false;
 
   private:
+    using Keys = std::map<std::string, std::map<std::string, RegistryValue>>;
+
     struct Key final : RegistryKey {
         Key(MemoryRegistry& registry, std::string name) : m_registry(registry), m_name(std::move(name)) {}
         std::optional<RegistryValue> RegQueryValueEx(std::string_view name) override {
@@ -74,9 +63,7 @@ class MemoryRegistry final : public Registry {
         return LowerAscii(key);
     }
 
-    std::mutex m_mutex;
-    std::map<std::string, Values> m_keys;
-    int m_flushes = 0;
+    Guarded<Keys> m_keys;
 };
 
 }  // namespace varkel::test

@@ -41,6 +41,16 @@ struct SessionBench {
         dialog->OnInitDialog(commandLine, LogLevel::Debug);
     }
 
+    // A command of the simulated unit's console, and what the program makes of it in that time.
+    void Happen(std::string_view command, Ticks time = 0) {
+        unit.Command(command);
+        if (time > 0) RunFor(time);
+    }
+    void Arrange(const std::vector<const char*>& commands) {
+        for (const char* command : commands)
+            unit.Command(command);
+    }
+
     // Lets the dialog thread work for some time, or until something holds; false when it does not in that
     // time.
     void RunFor(Ticks time) {
@@ -58,6 +68,14 @@ struct SessionBench {
         return holds();
     }
 
+    // What another program posts to the dialog.
+    void Post(MessageId id, std::uint32_t wParam = 0, std::uint32_t lParam = 0) {
+        windows.PostMessage(dialog->Window(), {id, wParam, lParam});
+    }
+    void Post(const char* name, std::uint32_t wParam = 0, std::uint32_t lParam = 0) {
+        Post(windows.RegisterWindowMessage(name), wParam, lParam);
+    }
+
     // Starts the program, unless the test has, and opens its module, which is at rest then.
     void OpenModule() {
         if (!dialog) Start("");
@@ -66,6 +84,7 @@ struct SessionBench {
         assert(ended);
         RunFor(1000);
     }
+    ScreenMode Mode() { return dialog->State().MainScreenMode; }
     // What the modem was sent since, without the signal poll.
     std::vector<std::string> Commands() {
         std::vector<std::string> commands;
