@@ -2,7 +2,6 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -20,14 +19,15 @@ class ScriptedDialUp final : public DialUp {
 
     RasError RasDial(const RasDialParams& params, std::function<void(RasState)> notifier,
                      RasHandle& handle) override {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_dialled.push_back(params);
-            handle = RasHandle::None;
-            if (refusal != RasError::None) return refusal;
-            handle = m_current = static_cast<RasHandle>(++m_last);
-            m_notifier = std::move(notifier);
-        }
+        const RasError refused = refusal;
+        m_line.With([&](Line& line) {
+            line.dialled.push_back(params);
+            handle = refused == RasError::None ? static_cast<RasHandle>(++line.last) : RasHandle::None;
+            if (refused != RasError::None) return;
+            line.current = handle;
+            line.notifier = std::move(notifier);
+        });
+        if (refused != RasError::None) return refused;
         if (!connects) return RasError::None;
         for (const RasState state : {RasState::OpenPort, RasState::ConnectDevice, RasState::Connected})
             Report(state);
@@ -35,49 +35,41 @@ class ScriptedDialUp final : public DialUp {
     }
 
     void RasHangUp(RasHandle handle) override {
-        const std::lock_guard lock(m_mutex);
         ++hangUps;
-        if (handle == m_current) m_current = RasHandle::None;
+        m_line.With([&](Line& line) {
+            if (handle == line.current) line.current = RasHandle::None;
+        });
     }
 
     std::string PeerAddress(RasHandle handle) override {
-        const std::lock_guard lock(m_mutex);
-        return handle != RasHandle::None && handle == m_current ? "10.64.64.64" : "";
+        return handle != RasHandle::None && handle == Current() ? "10.64.64.64" : "";
     }
 
     void Report(RasState state) {
-        std::function<void(RasState)> notifier;
-        {
-            const std::lock_guard lock(m_mutex);
-            notifier = m_notifier;
-        }
+        const auto notifier = m_line.Get().notifier;
         if (notifier) m_loop.Post([notifier, state] { notifier(state); });
     }
 
-    std::vector<RasDialParams> Dialled() {
-        const std::lock_guard lock(m_mutex);
-        return m_dialled;
-    }
+    std::vector<RasDialParams> Dialled() const { return m_line.Get().dialled; }
     void ForgetDialled() {
-        const std::lock_guard lock(m_mutex);
-        m_dialled.clear();
+        m_line.With([](Line& line) { line.dialled.clear(); });
     }
-    RasHandle Current() {
-        const std::lock_guard lock(m_mutex);
-        return m_current;
-    }
+    RasHandle Current() const { return m_line.Get().current; }
 
     std::atomic<RasError> refusal = RasError::None;
     std::atomic<bool> connects = false;
     std::atomic<int> hangUps = 0;
 
   private:
+    struct Line {
+        std::uint32_t last = 0;
+        std::vector<RasDialParams> dialled;
+        RasHandle current = RasHandle::None;
+        std::function<void(RasState)> notifier;
+    };
+
     MessageLoop& m_loop;
-    std::mutex m_mutex;
-    std::uint32_t m_last = 0;
-    std::vector<RasDialParams> m_dialled;
-    RasHandle m_current = RasHandle::None;
-    std::function<void(RasState)> m_notifier;
+    Guarded<Line> m_line;
 };
 
 // Every host answers after 20 ms, or lets each request time out.

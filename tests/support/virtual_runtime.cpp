@@ -144,7 +144,7 @@ struct VirtualRuntime::Scheduler {
             for (const auto& thread : threads) {
                 if (!thread->ended && thread->deadline < nearest) nearest = thread->deadline;
             }
-            if (nearest == never) ReportDeadlock();
+            if (nearest == never) GiveUp("deadlock");
             now = nearest;
         }
     }
@@ -169,8 +169,9 @@ struct VirtualRuntime::Scheduler {
         });
     }
 
-    [[noreturn]] void ReportDeadlock() const {
-        std::fprintf(stderr, "deadlock at %llu ms, seed %llu\n", static_cast<unsigned long long>(now / 1000),
+    // Ends the process with what each thread waits for.
+    [[noreturn]] void GiveUp(const char* why) const {
+        std::fprintf(stderr, "%s at %llu ms, seed %llu\n", why, static_cast<unsigned long long>(now / 1000),
                      static_cast<unsigned long long>(seed));
         for (const auto& thread : threads) {
             if (!thread->ended) std::fprintf(stderr, "  %s waits for %s\n", thread->name, thread->waitsFor);
@@ -262,15 +263,8 @@ VirtualRuntime::VirtualRuntime(std::uint64_t seed, Ticks start)
 }
 
 VirtualRuntime::~VirtualRuntime() {
-    bool left = false;
     for (const auto& thread : m_scheduler->threads) {
-        if (thread.get() == currentThread || thread->ended) continue;
-        std::fprintf(stderr, "thread %s has not ended: waits for %s\n", thread->name, thread->waitsFor);
-        left = true;
-    }
-    if (left) {
-        std::fprintf(stderr, "seed %llu\n", static_cast<unsigned long long>(m_scheduler->seed));
-        std::abort();
+        if (thread.get() != currentThread && !thread->ended) m_scheduler->GiveUp("a thread has not ended");
     }
     m_scheduler->ForgetEnded();
     currentThread = nullptr;
@@ -366,9 +360,6 @@ std::uint64_t VirtualRuntime::Elapsed() const {
 }
 std::uint64_t VirtualRuntime::TraceHash() const {
     return m_scheduler->hash;
-}
-void VirtualRuntime::RefuseThreads(std::string name) {
-    m_refused = std::move(name);
 }
 
 }  // namespace varkel::test

@@ -40,7 +40,7 @@ class VirtualRuntime final : public Runtime {
     // A number that every choice so far went into.
     std::uint64_t TraceHash() const;
     // From now on CreateThread fails for threads of that name; "" = none.
-    void RefuseThreads(std::string name);
+    void RefuseThreads(std::string name) { m_refused = std::move(name); }
 
     struct Scheduler;
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
 
 #include "platform/log.h"
 #include "platform/message_loop.h"
@@ -13,25 +14,9 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-TEST(VirtualTime, PassesOnlyWhenNobodyCanRun) {
-    VirtualRuntime runtime(1);
-    const Ticks start = runtime.GetTickCount();
-    runtime.Sleep(1'000'000);
-    EXPECT_EQ(TicksSince(runtime.GetTickCount(), start), 1'000'000u) << "across the wrap of the tick count";
-    const auto event = runtime.CreateEvent(EventReset::Automatic);
-    const auto setter = runtime.CreateThread({.name = "setter"}, [&] {
-        runtime.Sleep(500);
-        event->Set();
-    });
-    EXPECT_EQ(event->Wait(499), WaitResult::Timeout);
-    EXPECT_EQ(event->Wait(infiniteTicks), WaitResult::Object0);
-    EXPECT_EQ(event->Wait(0), WaitResult::Timeout) << "it reset itself";
-    setter->Wait(infiniteTicks);
-}
-
 #ifndef __SANITIZE_THREAD__  // which rightly calls this a race
-// Two threads that increment through a copy: some orders lose increments, and every seed repeats its own.
-int RaceOnce(std::uint64_t seed, std::uint64_t& hash) {
+// Two threads that increment through a copy: some orders lose increments.
+int RaceOnce(std::uint64_t seed) {
     VirtualRuntime runtime(seed);
     int value = 0;
     const auto increment = [&] {
@@ -44,33 +29,15 @@ int RaceOnce(std::uint64_t seed, std::uint64_t& hash) {
     const auto other = runtime.CreateThread({.name = "other"}, increment);
     increment();
     other->Wait(infiniteTicks);
-    hash = runtime.TraceHash();
     return value;
 }
 
-TEST(VirtualTime, FindsOrdersAndRepeatsThem) {
-    int smallest = 10;
-    int largest = 0;
-    for (std::uint64_t seed = 1; seed <= 100; ++seed) {
-        std::uint64_t first = 0;
-        std::uint64_t second = 0;
-        const int value = RaceOnce(seed, first);
-        EXPECT_EQ(RaceOnce(seed, second), value);
-        EXPECT_EQ(first, second);
-        smallest = std::min(smallest, value);
-        largest = std::max(largest, value);
-    }
-    EXPECT_LT(smallest, 8);
-    EXPECT_GT(largest, smallest);
-}
-
-TEST(VirtualTimeDeathTest, NamesEveryWaitOfADeadlock) {
-    const auto deadlock = [] {
-        VirtualRuntime runtime(77);
-        const auto other = runtime.CreateThread({.name = "sleeper"}, [&] { runtime.SuspendThread(); });
-        other->Wait(infiniteTicks);
-    };
-    EXPECT_DEATH(deadlock(), "seed 77(.|\n)*dialog waits for sleeper(.|\n)*sleeper waits for ResumeThread");
+TEST(VirtualTime, FindsTheOrdersThatLoseSomething) {
+    std::set<int> values;
+    for (std::uint64_t seed = 1; seed <= 100; ++seed)
+        values.insert(RaceOnce(seed));
+    EXPECT_LT(*values.begin(), 8);
+    EXPECT_GT(values.size(), 1u);
 }
 #endif
 

@@ -43,30 +43,6 @@ int VirtualSerial::CloseHandle(CommHandle device) {
     return 0;
 }
 
-bool VirtualSerial::GetCommState(CommHandle device, Dcb& result) {
-    result = state;
-    return Valid(device, "GetCommState");
-}
-
-bool VirtualSerial::SetCommState(CommHandle device, const Dcb& wanted) {
-    state = wanted;
-    return Valid(device, "SetCommState");
-}
-
-bool VirtualSerial::GetCommTimeouts(CommHandle device, CommTimeouts& result) {
-    result = timeouts;
-    return Valid(device, "GetCommTimeouts");
-}
-
-bool VirtualSerial::SetCommTimeouts(CommHandle device, const CommTimeouts& wanted) {
-    timeouts = wanted;
-    return Valid(device, "SetCommTimeouts");
-}
-
-bool VirtualSerial::SetupComm(CommHandle device, std::size_t, std::size_t) {
-    return Valid(device, "SetupComm");
-}
-
 bool VirtualSerial::PurgeComm(CommHandle device, std::uint32_t flags) {
     std::lock_guard lock(m_mutex);
     if ((flags & PURGE_RXCLEAR) != 0) {
@@ -78,10 +54,7 @@ bool VirtualSerial::PurgeComm(CommHandle device, std::uint32_t flags) {
 
 bool VirtualSerial::SetCommMask(CommHandle device, std::uint32_t mask) {
     if (!Valid(device, "SetCommMask")) return false;
-    if (mask == 0) {
-        std::lock_guard lock(m_mutex);
-        m_waitEnded = true;
-    }
+    if (mask == 0) m_waitEnded = true;
     if (mask == 0) m_changed->Set();
     return true;
 }
@@ -94,9 +67,9 @@ bool VirtualSerial::WaitCommEvent(CommHandle device, std::uint32_t& event) {
         {
             std::lock_guard lock(m_mutex);
             event = 0;
-            if (std::exchange(m_waitEnded, false)) return true;
+            if (m_waitEnded.exchange(false)) return true;
             event = EV_RXCHAR;
-            if (std::exchange(m_emptyEvent, false)) return true;
+            if (m_emptyEvent.exchange(false)) return true;
             m_waiting.erase(0, m_queue.Add(m_waiting, now));
             if (m_queue.Due(now)) return true;
             wait = m_queue.DueIn(now);
@@ -126,19 +99,13 @@ bool VirtualSerial::ReadFile(CommHandle device, std::span<char> bytes, std::size
 bool VirtualSerial::WriteFile(CommHandle device, std::string_view bytes, std::size_t& written) {
     written = 0;
     if (!Valid(device, "WriteFile")) return false;
-    {
-        std::lock_guard lock(m_mutex);
-        if (m_dead) return false;
-    }
+    if (m_dead) return false;
     if (stuck) {
         m_runtime.Sleep(1000);
         return true;
     }
     written = largestWrite == 0 ? bytes.size() : std::min(bytes.size(), largestWrite.load());
-    {
-        std::lock_guard lock(m_mutex);
-        m_written.append(bytes.substr(0, written));
-    }
+    m_written.With([&](std::string& all) { all.append(bytes.substr(0, written)); });
     if (onWrite) onWrite(bytes.substr(0, written));
     return true;
 }
@@ -155,21 +122,8 @@ void VirtualSerial::Feed(std::string_view bytes) {
 }
 
 void VirtualSerial::FeedNothing() {
-    {
-        std::lock_guard lock(m_mutex);
-        m_emptyEvent = true;
-    }
+    m_emptyEvent = true;
     m_changed->Set();
-}
-
-void VirtualSerial::Forget() {
-    std::lock_guard lock(m_mutex);
-    m_written.clear();
-}
-
-std::string VirtualSerial::Written() {
-    std::lock_guard lock(m_mutex);
-    return m_written;
 }
 
 bool VirtualSerial::Open() {

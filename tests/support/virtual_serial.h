@@ -3,11 +3,11 @@
 
 #include <atomic>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
 
+#include "platform/guarded.h"
 #include "platform/receive_queue.h"
 #include "platform/serial_port.h"
 
@@ -21,11 +21,25 @@ class VirtualSerial final : public SerialPort {
 
     CommHandle CreateFile(std::string_view deviceName) override;
     int CloseHandle(CommHandle device) override;
-    bool GetCommState(CommHandle device, Dcb& state) override;
-    bool SetCommState(CommHandle device, const Dcb& state) override;
-    bool GetCommTimeouts(CommHandle device, CommTimeouts& timeouts) override;
-    bool SetCommTimeouts(CommHandle device, const CommTimeouts& timeouts) override;
-    bool SetupComm(CommHandle device, std::size_t inputQueue, std::size_t outputQueue) override;
+    bool GetCommState(CommHandle device, Dcb& result) override {
+        result = state;
+        return Valid(device, "GetCommState");
+    }
+    bool SetCommState(CommHandle device, const Dcb& wanted) override {
+        state = wanted;
+        return Valid(device, "SetCommState");
+    }
+    bool GetCommTimeouts(CommHandle device, CommTimeouts& result) override {
+        result = timeouts;
+        return Valid(device, "GetCommTimeouts");
+    }
+    bool SetCommTimeouts(CommHandle device, const CommTimeouts& wanted) override {
+        timeouts = wanted;
+        return Valid(device, "SetCommTimeouts");
+    }
+    bool SetupComm(CommHandle device, std::size_t, std::size_t) override {
+        return Valid(device, "SetupComm");
+    }
     bool PurgeComm(CommHandle device, std::uint32_t flags) override;
     bool SetCommMask(CommHandle device, std::uint32_t mask) override;
     bool WaitCommEvent(CommHandle device, std::uint32_t& event) override;
@@ -38,8 +52,8 @@ class VirtualSerial final : public SerialPort {
     // Reports received data although there is none.
     void FeedNothing();
     // Everything written so far.
-    std::string Written();
-    void Forget();
+    std::string Written() const { return m_written.Get(); }
+    void Forget() { m_written.Set({}); }
     bool Open();
 
     // The device vanishes, or is there again. What was open when it vanished never works again.
@@ -66,11 +80,11 @@ class VirtualSerial final : public SerialPort {
     CommHandle m_open = CommHandle::Invalid;
     ReceiveQueue m_queue;
     bool m_absent = false;
-    bool m_dead = false;    // the open device has vanished
-    std::string m_waiting;  // in the device
-    std::string m_written;
-    bool m_waitEnded = false;
-    bool m_emptyEvent = false;
+    std::atomic<bool> m_dead = false;  // the open device has vanished
+    std::string m_waiting;             // in the device
+    Guarded<std::string> m_written;
+    std::atomic<bool> m_waitEnded = false;
+    std::atomic<bool> m_emptyEvent = false;
 };
 
 }  // namespace varkel::test

@@ -14,9 +14,8 @@ VirtualUnit::VirtualUnit(VirtualRuntime& runtime, VirtualSerial& serial, const s
       m_wake(runtime.CreateEvent(EventReset::Automatic)),
       m_unit(config, seed) {
     sim::UnitHooks hooks;
-    // The hooks run inside calls into the unit, under the lock.
+    // It runs inside calls into the unit, under the lock.
     hooks.command = [this](std::string_view line) { m_trace.emplace_back(line); };
-    hooks.restart = [this] { ++m_restarts; };
     m_unit.SetHooks(std::move(hooks));
     m_unit.Head().mainWindow = static_cast<int>(mainWindow);
     m_serial.SetAbsent(true);
@@ -98,11 +97,6 @@ std::vector<std::string> VirtualUnit::TakeTrace() {
 int VirtualUnit::Count(std::string_view line) {
     std::lock_guard lock(m_mutex);
     return static_cast<int>(std::count(m_trace.begin(), m_trace.end(), line));
-}
-
-int VirtualUnit::Restarts() {
-    std::lock_guard lock(m_mutex);
-    return m_restarts;
 }
 
 int VirtualUnit::SuspendLocks() {

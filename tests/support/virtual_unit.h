@@ -28,8 +28,6 @@ class VirtualUnit final : public KovexDrvApi {
     std::vector<std::string> TakeTrace();
     // How often a line stands in the trace that was not taken yet.
     int Count(std::string_view line);
-    // RestartMachine was called so often.
-    int Restarts();
     int SuspendLocks();
     // Sound goes to and comes from the unit itself.
     bool AudioAtRest();
@@ -45,7 +43,6 @@ class VirtualUnit final : public KovexDrvApi {
     std::mutex m_mutex;
     sim::SimulatedUnit m_unit;
     std::vector<std::string> m_trace;
-    int m_restarts = 0;
     bool m_ending = false;
     std::shared_ptr<Thread> m_thread;
 };
