@@ -188,6 +188,11 @@ TEST_F(Calls, GiveBackAudioAndLocksWhateverEndsThem) {
         RunFor(1000);
         ExpectRest(end);
     }
+    ASSERT_TRUE(Dial("10002", 2000)) << "nobody answers";
+    Happen("usb down", 8000);
+    EXPECT_FALSE(calls.Busy());
+    Happen("usb up", 0);
+    ASSERT_TRUE(RunUntil([&] { return Mode() == ScreenMode::Idle; }, 200'000));
     TakeCall("10086");
     Quit();
     EXPECT_TRUE(unit.AudioAtRest());
