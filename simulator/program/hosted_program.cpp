@@ -138,6 +138,8 @@ void HostedProgram::Signal(int number) {
 }
 
 std::optional<int> HostedProgram::Collect() {
+    // waitpid(-1) would take the end of any other child.
+    if (m_pid < 0) return std::nullopt;
     int status = 0;
     const pid_t ended = Uninterrupted([&] { return waitpid(m_pid, &status, WNOHANG); });
     if (ended != m_pid) return std::nullopt;
