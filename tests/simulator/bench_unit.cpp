@@ -13,7 +13,6 @@ BenchUnit::BenchUnit(const UnitConfig& config, std::uint64_t seed) : unit(config
     };
     hooks.command = [this](std::string_view text) { commands.emplace_back(text); };
     hooks.sent = [this](std::string_view pdu) { sent.emplace_back(pdu); };
-    hooks.message = [this](const SubmittedMessage& message) { messages.push_back(message); };
     hooks.dialLine = [this](std::string_view line) { dialled += std::string(line) + "|"; };
     hooks.dialEnd = [this](int code) { dialled += "=" + std::to_string(code); };
     hooks.restart = [this] { ++restarts; };
@@ -48,9 +47,9 @@ std::string BenchUnit::Pass(Millis time) {
     return WithBars(all);
 }
 
-std::string BenchUnit::Ask(std::string_view line) {
-    unit.HostWrites(std::string(line) + "\r", now);
-    return Pass(500);
+std::string BenchUnit::Write(std::string_view bytes, Millis time) {
+    unit.HostWrites(bytes, now);
+    return Pass(time);
 }
 
 void BenchUnit::Do(std::initializer_list<std::string_view> lines) {
@@ -58,6 +57,20 @@ void BenchUnit::Do(std::initializer_list<std::string_view> lines) {
         const CommandResult result = unit.Command(line, now);
         EXPECT_TRUE(result.well) << line << ": " << result.text;
     }
+}
+
+void BenchUnit::Converse(std::initializer_list<Exchange> dialogue) {
+    for (const auto& [line, answer, time] : dialogue) {
+        if (line.starts_with('!')) Do({line.substr(1)});
+        const bool asks = !line.empty() && !line.starts_with('!');
+        EXPECT_EQ(asks ? Ask(line, time) : Pass(time), answer) << line;
+    }
+}
+
+void BenchUnit::Restart() {
+    Do({"module restart"});
+    Pass(10'000);
+    Ask("ATE0");
 }
 
 int BenchUnit::Driver(DrvFunction function, int value) {
@@ -73,6 +86,13 @@ std::string WithBars(std::string_view bytes) {
         i += lineEnd ? 1 : 0;
     }
     return text;
+}
+
+std::string Repeated(std::string_view text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i)
+        all += text;
+    return all;
 }
 
 std::vector<std::string> Lines(std::string_view bars) {

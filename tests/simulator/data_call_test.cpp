@@ -1,5 +1,6 @@
 // Packet-data calls: when they come up, how they end, and what the dialling program says of it.
 #include <gtest/gtest.h>
+#include <utility>
 
 #include "simulator/dial_options.h"
 #include "tests/simulator/bench_unit.h"
@@ -7,102 +8,99 @@
 namespace varkel::sim {
 namespace {
 
-using test::BenchUnit;
-
-constexpr std::string_view connects =
+const std::string connects =
     "Serial connection established.|Using interface ppp0|Connect: ppp0 <--> the modem|";
-constexpr std::string_view up = "local  IP address 10.20.30.40|remote IP address 127.0.0.1|";
+const std::string up =
+    connects + "PAP authentication succeeded|local  IP address 10.20.30.40|remote IP address 127.0.0.1|";
 
-struct Event {
-    const char* command;  // of the console, while the call is there
-    std::string_view prints;
+// A module with an access point, unless that is to be missing.
+struct DataBench : test::BenchUnit {
+    explicit DataBench(std::string_view accessPoint = "AT+CGDCONT=1,\"IP\",\"CMNET\"") {
+        Start();
+        Ask(accessPoint);
+    }
+    void Dial() { unit.DialData("somebody", now); }
+    // What the dialling program prints in that time.
+    std::string Prints(Millis time) {
+        Pass(time);
+        return std::exchange(dialled, "");
+    }
 };
 
-TEST(DataCallTest, ComesUpAndIsLost) {
-    const Event events[] = {
-        {"data drop", "LCP terminated by peer|Connection terminated.|=0"},
-        {"network off", "Modem hangup|Connection terminated.|=16"},
-        {"sim out", "Modem hangup|Connection terminated.|=16"},
-        {"module off", "Modem hangup|Connection terminated.|=16"},
-        {"module restart", "Modem hangup|Connection terminated.|=16"},
-        {"vanish", "Modem hangup|Connection terminated.|=16"},
-        {"usb down", "Modem hangup|Connection terminated.|=16"},
-        {"data deaf", "local  IP address 10.20.30.40|remote IP address 127.255.255.255|"},
-        {"signal 0", ""},
+TEST(DataCallTest, ComesUpAndIsLostWithWhatCarriesIt) {
+    const std::string lost = "Modem hangup|Connection terminated.|=16";
+    struct Case {
+        const char* event;
+        std::string prints;
+        const char* heard;  // on the line, where the other call ends as well
     };
-    for (const Event& event : events) {
-        BenchUnit bench;
-        bench.Start();
-        bench.Ask("AT+CGDCONT=1,\"IP\",\"CMNET\"");
-        bench.unit.DialData("somebody", bench.now);
-        bench.Pass(999);
-        EXPECT_EQ(bench.dialled, "");
-        bench.Pass(501);
-        EXPECT_EQ(bench.dialled, std::string(connects) + "PAP authentication succeeded|" + std::string(up));
-        EXPECT_EQ(bench.unit.Command("data", bench.now).text, "up, normal");
-        bench.dialled.clear();
-        bench.Do({event.command});
-        bench.Pass(10'000);
-        EXPECT_EQ(bench.dialled, event.prints) << event.command;
-        const bool over = event.prints.find('=') != std::string_view::npos;
-        EXPECT_EQ(bench.unit.Command("data drop", bench.now).well, !over) << event.command;
+    const Case cases[] = {
+        {"network off", lost, "|NO CARRIER|"},
+        {"sim out", lost, "|NO CARRIER||+CSMINS: 1,0|"},
+        {"module off", lost, ""},
+        {"module restart", lost, ""},
+        {"vanish", lost, ""},
+        {"usb down", lost, ""},
+        {"data drop", "LCP terminated by peer|Connection terminated.|=0", ""},
+        {"data deaf", "local  IP address 10.20.30.40|remote IP address 127.255.255.255|", ""},
+        {"signal 0", "", ""},
+    };
+    for (const auto& [event, prints, heard] : cases) {
+        SCOPED_TRACE(event);
+        DataBench bench;
+        bench.Dial();
+        EXPECT_EQ(bench.Prints(999), "");
+        EXPECT_EQ(bench.Prints(501), up);
+        EXPECT_EQ(bench.Command("data"), "up, normal");
+        bench.Converse({{"!call 10010", "|RING|"}, {"ATA", "|OK|"}});
+        bench.Do({event});
+        EXPECT_EQ(bench.Pass(10'000), heard);
+        EXPECT_EQ(bench.Prints(0), prints);
+        EXPECT_EQ(bench.unit.GetModem().CurrentCall().Phase() == CallPhase::Idle, prints == lost);
+        EXPECT_EQ(bench.unit.Command("data drop", bench.now).well, prints.find('=') == std::string::npos);
     }
 }
 
 TEST(DataCallTest, FailsForAReason) {
-    struct Case {
-        std::initializer_list<std::string_view> setup;
-        std::string prints;
-    };
     const std::string failed = "Connect script failed|=8";
-    const Case cases[] = {
-        {{"signal 99"}, failed},
-        {{"signal 0"}, failed},
-        {{"network off"}, failed},
-        {{"vanish"}, "Failed to open the modem: No such file or directory|=7"},
-        {{"data refuse"}, std::string(connects) + "PAP authentication failed|Connection terminated.|=19"},
-        {{"data silent"}, ""},
+    const std::pair<const char*, std::string> cases[] = {
+        {"signal 99", failed},
+        {"signal 0", failed},
+        {"network off", failed},
+        {"vanish", "Failed to open the modem: No such file or directory|=7"},
+        {"data refuse", connects + "PAP authentication failed|Connection terminated.|=19"},
+        {"data silent", ""},
     };
-    for (const Case& each : cases) {
-        BenchUnit bench;
-        bench.Start();
-        bench.Ask("AT+CGDCONT=1,\"IP\",\"CMNET\"");
-        bench.Do(each.setup);
-        bench.unit.DialData("", bench.now);
-        bench.Pass(600'000);
-        EXPECT_EQ(bench.dialled, each.prints) << each.prints;
+    for (const auto& [command, prints] : cases) {
+        DataBench bench;
+        bench.Do({command});
+        bench.Dial();
+        EXPECT_EQ(bench.Prints(600'000), prints) << command;
     }
-    BenchUnit bench;
-    bench.Start();
-    bench.unit.DialData("", bench.now);
-    bench.Pass(2'000);
-    EXPECT_EQ(bench.dialled, failed);
+    DataBench bench("AT");
+    bench.Dial();
+    EXPECT_EQ(bench.Prints(2'000), failed);
     EXPECT_EQ(bench.networkSaid.back(), "data call fails: no access point was set");
 }
 
-TEST(DataCallTest, IsHungUpByTheProgram) {
-    for (const bool connected : {false, true}) {
-        BenchUnit bench;
-        bench.Start();
-        bench.Ask("AT+CGDCONT=1,\"IP\",\"CMNET\"");
-        bench.unit.DialData("", bench.now);
-        bench.Pass(connected ? 2'000 : 500);
-        bench.dialled.clear();
+TEST(DataCallTest, IsHungUpByTheProgramOrLeftToTheNextOne) {
+    const std::pair<Millis, std::string> cases[] = {
+        {500, "Terminating on signal 15|=5"},
+        {2'000, "Terminating on signal 15|Connection terminated.|=5"},
+    };
+    for (const auto& [after, prints] : cases) {
+        DataBench bench;
+        bench.Dial();
+        bench.Prints(after);
         bench.unit.HangUpData(bench.now);
-        EXPECT_EQ(bench.dialled, connected ? "Terminating on signal 15|Connection terminated.|=5"
-                                           : "Terminating on signal 15|=5");
-        bench.Pass(10'000);
+        EXPECT_EQ(bench.Prints(10'000), prints);
         bench.unit.HangUpData(bench.now);
-        bench.dialled.clear();
-        // A program that was killed leaves its call to the next one.
-        bench.unit.DialData("", bench.now);
-        bench.Pass(700);
-        bench.unit.DialData("", bench.now);
-        bench.Pass(700);
-        EXPECT_EQ(bench.dialled, "");
+        bench.Dial();
+        EXPECT_EQ(bench.Prints(700), "");
+        bench.Dial();  // the one before was killed
+        EXPECT_EQ(bench.Prints(700), "");
         bench.unit.AbandonData(bench.now);
-        bench.Pass(10'000);
-        EXPECT_EQ(bench.dialled, "") << "nobody is there to be told";
+        EXPECT_EQ(bench.Prints(10'000), "") << "nobody is there to be told";
     }
 }
 

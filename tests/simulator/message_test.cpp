@@ -1,143 +1,132 @@
+// Messages: how the module sends and keeps them, and what the network does with them.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "simulator/bytes.h"
-#include "simulator/submit_pdu.h"
+#include "simulator/deliver_pdu.h"
 #include "tests/simulator/bench_unit.h"
 
 namespace varkel::sim {
 namespace {
 
-using test::BenchUnit;
-
-// From 138001380, "AB" in UCS2; the service centre's address takes eight octets.
-const std::string deliver =
-    "0891683108100005F0040B813108108300F0000890808041210000"
-    "0400410042";
-
-struct Submitted {
-    const char* name;
-    std::string pdu;
-    std::size_t announced;
-    PduFault fault;
+struct Messages : testing::Test, test::BenchUnit {
+    Messages() { Start(); }
+    std::size_t Waiting() { return unit.Messages().Waiting(); }
+    // What comes behind the text that is entered at the prompt.
+    std::string Enter(const std::string& text) {
+        EXPECT_EQ(Ask("AT+CMGS=19"), "|> ");
+        return Write(text, 2000);
+    }
 };
 
-TEST(SubmitPdu, IsCheckedFieldByField) {
-    const std::string head = "0011000D91896745230189F70008";
-    const std::string full = std::string(280, 'A');
-    const Submitted cases[] = {
-        {"as required", "0891214365870921F311000D91896745230189F70008000400410042", 19, PduFault::None},
-        {"no centre", head + "000400410042", 19, PduFault::None},
-        {"an empty centre of two octets", "0191" + head.substr(2) + "000400410042", 19, PduFault::None},
-        {"announced too short", head + "000400410042", 18, PduFault::WrongLength},
-        {"announced too long", head + "000400410042", 20, PduFault::WrongLength},
-        {"a centre past the end", "20" + head.substr(2), 13, PduFault::CutShort},
-        {"nothing", "", 0, PduFault::CutShort},
-        {"only a centre", "00", 0, PduFault::CutShort},
-        {"a delivery", "0010" + head.substr(4) + "000400410042", 19, PduFault::NotSubmit},
-        {"address past the end", "0011000D918967", 6, PduFault::CutShort},
-        {"address of 255 digits", "001100FF91896745230189F700080004", 15, PduFault::CutShort},
-        {"text past the end", head + "0004004100", 18, PduFault::CutShort},
-        {"text left over", head + "00040041004200", 20, PduFault::LeftOver},
-        {"140 octets", head + "008C" + full, 155, PduFault::None},
-        {"141 octets", head + "008D" + full + "AA", 156, PduFault::TextTooLong},
-        {"a length that wrapped to nothing", head + "0000" + full + full.substr(0, 232), 271,
-         PduFault::TextTooLong},
-        {"seven bits", "0011000B818310832143F500000005E8329BFD06", 19, PduFault::None},
-        {"seven bits, one octet short", "0011000B818310832143F500000005E8329BFD", 18, PduFault::CutShort},
-        {"160 characters of seven bits", "0011000B818310832143F5000000A0" + full, 154, PduFault::None},
-        {"161 characters of seven bits", "0011000B818310832143F5000000A1" + full + "AA", 155,
-         PduFault::TextTooLong},
-        {"absolute validity", "001900038121F3000801020304050607020041", 18, PduFault::None},
-    };
-    for (const Submitted& each : cases) {
-        const auto octets = BytesFromHex(each.pdu);
-        ASSERT_TRUE(octets) << each.name;
-        EXPECT_EQ(TextOf(CheckSubmitPdu(*octets, each.announced)), TextOf(each.fault)) << each.name;
-    }
-}
-
-TEST(Messages, AreSentBehindAPrompt) {
-    BenchUnit bench;
-    bench.Start();
-    EXPECT_EQ(bench.Ask("AT+CMGS=19"), "|> ");
+TEST_F(Messages, AreSentBehindAPrompt) {
     const std::string pdu = "0011000D91896745230189F70008000400410042";
-    bench.unit.HostWrites(pdu + "\x1A", bench.now);
-    EXPECT_EQ(bench.Pass(1499), "");
-    EXPECT_EQ(bench.Pass(1), "|+CMGS: 1||OK|");
-    ASSERT_EQ(bench.sent.size(), 1u);
-    EXPECT_EQ(HexFromBytes(bench.sent[0]), pdu);
-    EXPECT_EQ(bench.commands.back(), pdu);
+    EXPECT_EQ(Ask("AT+CMGS=19"), "|> ");
+    EXPECT_EQ(Write(pdu + "\x1A", 1499), "");
+    EXPECT_EQ(Pass(1), "|+CMGS: 1||OK|");
+    EXPECT_THAT(sent, testing::ElementsAre(*BytesFromHex(pdu)));
+    EXPECT_EQ(commands.back(), pdu);
 
-    EXPECT_EQ(bench.Ask("AT+CMGS=19"), "|> ");
-    bench.unit.HostWrites("whatever\x1B", bench.now);
-    EXPECT_EQ(bench.Pass(500), "|OK|") << "given up";
-    EXPECT_EQ(bench.Ask("AT+CMGS=19"), "|> ");
-    bench.unit.HostWrites("no hexadecimal text\x1A", bench.now);
-    EXPECT_EQ(bench.Pass(2000), "|+CMS ERROR: invalid PDU mode parameter|");
-    EXPECT_EQ(bench.Ask("AT+CMGS=19"), "|> ");
-    bench.unit.HostWrites(std::string(10'000, '0'), bench.now);
-    bench.unit.HostWrites("\x1A", bench.now);
-    EXPECT_EQ(bench.Pass(2000), "|+CMS ERROR: invalid PDU mode parameter|") << "endless text, bounded";
-    for (const std::string_view length : {"0", "166", "-1", ""}) {
-        EXPECT_EQ(bench.Ask("AT+CMGS=" + std::string(length)), "|+CMS ERROR: invalid PDU mode parameter|");
-    }
-    bench.Do({"network off"});
-    EXPECT_EQ(bench.Ask("AT+CMGS=19"), "|> ");
-    bench.unit.HostWrites(pdu + "\x1A", bench.now);
-    EXPECT_EQ(bench.Pass(2000), "|+CMS ERROR: no network service|");
-    EXPECT_EQ(bench.sent.size(), 1u);
+    constexpr std::string_view invalid = "|+CMS ERROR: invalid PDU mode parameter|";
+    EXPECT_EQ(Enter("whatever\x1B"), "|OK|") << "given up";
+    EXPECT_EQ(Enter("no hexadecimal text\x1A"), invalid);
+    EXPECT_EQ(Enter(std::string(10'000, '0') + "\x1A"), invalid) << "endless text, bounded";
+    for (const char* const command : {"AT+CMGS=0", "AT+CMGS=166", "AT+CMGS=-1", "AT+CMGS="})
+        EXPECT_EQ(Ask(command), invalid) << command;
+    Do({"network off"});
+    EXPECT_EQ(Enter(pdu + "\x1A"), "|+CMS ERROR: no network service|");
+    EXPECT_EQ(sent.size(), 1u);
+    Converse({{"AT+CMGS=19", "|> "}, {"!urc RING", ""}});
+    EXPECT_EQ(Write("\x1B"), "|OK||RING|") << "reports are held back while one is entered";
 }
 
-TEST(Messages, HoldReportsBackWhileOneIsEntered) {
-    BenchUnit bench;
-    bench.Start();
-    EXPECT_EQ(bench.Ask("AT+CMGS=19"), "|> ");
-    bench.Do({"urc RING"});
-    EXPECT_EQ(bench.Pass(100), "");
-    bench.unit.HostWrites("\x1B", bench.now);
-    EXPECT_EQ(bench.Pass(500), "|OK||RING|");
+TEST_F(Messages, StandOnTheSimUntilTheyAreDeleted) {
+    // From 138001380, "AB" in UCS2; the service centre's address takes eight octets.
+    const std::string pdu = "0891683108100005F0040B813108108300F00008908080412100000400410042";
+    const std::string shown = std::to_string(pdu.size() / 2 - 9) + "|" + pdu + "||OK|";
+    const std::string deliver = "!sms-raw " + pdu;
+    Converse({
+        {deliver, ""},  // nobody has asked for reports
+        {"AT+CNMI=2,1", "|OK|"},
+        {deliver, "|+CMTI: \"SM\",2|"},
+        {"AT+CPMS?", "|+CPMS: \"SM\",2,20,\"SM\",2,20,\"SM\",2,20||OK|"},
+        {"AT+CMGR=2", "|+CMGR: 0,," + shown},
+        {"AT+CMGL=1", "|+CMGL: 2,1,," + shown},  // read by now
+        {"AT+CMGD=1,1", "|OK|"},                 // what was not read stays
+        {"AT+CMGR=2", "|+CMS ERROR: invalid memory index|"},
+        {"AT+CMGR=1", "|+CMGR: 0,," + shown},
+        {"AT+CMGD=1", "|OK|"},
+        {"AT+CMGD=1", "|OK|"},  // deleting nothing is no mistake
+        {"AT+CMGR=1", "|+CMS ERROR: invalid memory index|"},
+        {"AT+CMGD=0", "|+CMS ERROR: invalid memory index|"},
+        {"AT+CMGD=21", "|+CMS ERROR: invalid memory index|"},
+        {"AT+CMGF=1", "|+CMS ERROR: operation not supported|"},
+        {"AT+CSCA=\"10086\"", "|OK|"},
+        {"AT+CSCA?", "|+CSCA: \"10086\",129||OK|"},
+        {"AT+CSCA=\"12a\"", "|+CMS ERROR: invalid PDU mode parameter|"},
+        {"AT+CSCA=\"+\"", "|+CMS ERROR: invalid PDU mode parameter|"},
+    });
 }
 
-TEST(Messages, ArriveOnTheSimAndAreReadFromIt) {
-    BenchUnit bench;
-    bench.Start();
-    const std::string pdu = *BytesFromHex(deliver);
-    EXPECT_TRUE(bench.unit.GetModem().Deliver(pdu, bench.now));
-    EXPECT_EQ(bench.Pass(0), "") << "no report was asked for";
-    EXPECT_EQ(bench.Ask("AT+CNMI=2,1"), "|OK|");
-    EXPECT_TRUE(bench.unit.GetModem().Deliver(pdu, bench.now));
-    EXPECT_EQ(bench.Pass(0), "|+CMTI: \"SM\",2|");
-    EXPECT_EQ(bench.Ask("AT+CPMS?"), "|+CPMS: \"SM\",2,20,\"SM\",2,20,\"SM\",2,20||OK|");
-    const std::string octets = std::to_string(pdu.size() - 9);
-    EXPECT_EQ(bench.Ask("AT+CMGR=2"), "|+CMGR: 0,," + octets + "|" + deliver + "||OK|");
-    EXPECT_EQ(bench.Ask("AT+CMGR=2"), "|+CMGR: 1,," + octets + "|" + deliver + "||OK|") << "read by now";
-    EXPECT_EQ(bench.Ask("AT+CMGL=1"), "|+CMGL: 2,1,," + octets + "|" + deliver + "||OK|");
-    EXPECT_EQ(bench.Ask("AT+CMGD=2"), "|OK|");
-    EXPECT_EQ(bench.Ask("AT+CMGR=2"), "|+CMS ERROR: invalid memory index|");
-    EXPECT_EQ(bench.Ask("AT+CMGD=2"), "|OK|") << "deleting nothing is no mistake";
-    EXPECT_EQ(bench.Ask("AT+CMGD=0"), "|+CMS ERROR: invalid memory index|");
-    EXPECT_EQ(bench.Ask("AT+CMGD=21"), "|+CMS ERROR: invalid memory index|");
-    EXPECT_EQ(bench.Ask("AT+CMGD=1,1"), "|OK|");
-    EXPECT_EQ(bench.unit.Sim().messages.Used(), 1) << "unread messages stay";
-    EXPECT_EQ(bench.Ask("AT+CMGD=1,4"), "|OK|");
-    EXPECT_EQ(bench.unit.Sim().messages.Used(), 0);
-
-    for (int i = 0; i < 20; ++i)
-        EXPECT_TRUE(bench.unit.GetModem().Deliver(pdu, bench.now));
-    EXPECT_FALSE(bench.unit.GetModem().Deliver(pdu, bench.now)) << "full";
-    bench.Do({"network off"});
-    bench.Ask("AT+CMGD=3");
-    EXPECT_FALSE(bench.unit.GetModem().Deliver(pdu, bench.now)) << "out of reach";
+TEST_F(Messages, ComeFromTheConsoleOneAfterTheOther) {
+    Ask("AT+CNMI=2,1");
+    Do({"sms +8613800138000 \"say \\\"hi\\\"\"", "sms ucs2 Varkel two words", "sms-raw 0801"});
+    Converse({
+        {"", "|+CMTI: \"SM\",1|", 0},
+        {"", "|+CMTI: \"SM\",2|", 79},
+        {"", "|+CMTI: \"SM\",3|", 1},
+        {"AT+CMGR=3", "|+CMGR: 0,,0|0801||OK|"},  // whatever it is
+    });
+    EXPECT_EQ(Command("messages"),
+              "3 of 20 slots, 0 waiting in the network\n"
+              "1  unread  +8613800138000  2024-01-01 08:00:12 +08:00  \"say \"hi\"\"\n"
+              "2  unread  Varkel  2024-01-01 08:00:12 +08:00  \"two words\"\n"
+              "3  read  no message: 0801");
 }
 
-TEST(Messages, KeepTheServiceCentre) {
-    BenchUnit bench;
-    bench.Start();
-    EXPECT_EQ(bench.Ask("AT+CSCA=\"10086\""), "|OK|");
-    EXPECT_EQ(bench.Ask("AT+CSCA?"), "|+CSCA: \"10086\",129||OK|");
-    EXPECT_EQ(bench.Ask("AT+CSCA=\"12a\""), "|+CMS ERROR: invalid PDU mode parameter|");
-    EXPECT_EQ(bench.Ask("AT+CSCA=\"+\""), "|+CMS ERROR: invalid PDU mode parameter|");
-    EXPECT_EQ(bench.Ask("AT+CMGF=1"), "|+CMS ERROR: operation not supported|");
+TEST_F(Messages, WaitInTheNetworkUntilTheSimCanTakeThem) {
+    Ask("AT+CNMI=2,1");
+    Do({"sms-burst 22 +4912345"});
+    Pass(1000);
+    EXPECT_THAT(said, testing::Contains("message from +4912345 waits: the SIM is full"));
+    EXPECT_EQ(Waiting(), 2u);
+    unit.HostWrites("AT+CMGD=7\r", now);
+    EXPECT_THAT(Pieces(500), testing::ElementsAre("\r\nOK\r\n", "\r\n+CMTI: \"SM\",7\r\n"))
+        << "the announcement is no part of the answer";
+    EXPECT_EQ(DecodeDeliver(unit.Sim().messages.Find(7)->pdu)->text, "Message 21 of 22");
+    EXPECT_EQ(Ask("AT+CMGD=1,4"), "|OK||+CMTI: \"SM\",1|");
+    EXPECT_EQ(Waiting(), 0u);
+    Do({"sms-burst 400"});
+    Pass(1000);
+    EXPECT_EQ(Waiting(), 381u);
+    EXPECT_FALSE(unit.Command("sms-burst 20", now).well) << "more than it keeps";
+    EXPECT_EQ(Waiting(), 381u) << "all or none";
+}
+
+TEST_F(Messages, WaitInTheNetworkForTheModule) {
+    Do({"module off", "sms 10086 early"});
+    EXPECT_THAT(said, testing::Contains("message from 10086 waits: the module is out of reach"));
+    Start();
+    EXPECT_THAT(said, testing::Contains("message from 10086 in slot 1, not announced"));
+    Converse({
+        {"AT+CNMI=2,1", "|OK|"},
+        {"!network off", ""},
+        {"!sms 10086 later", "", 5000},
+        {"!network on", "", 2039},  // the search takes 2 s
+        {"", "|+CMTI: \"SM\",2|", 1},
+    });
+}
+
+TEST_F(Messages, ThatWereSentAreToldTheNewestOnes) {
+    EXPECT_EQ(Command("sent"), "nothing was sent");
+    EXPECT_EQ(Ask("AT+CMGS=23"), "|> ");
+    EXPECT_EQ(Write("0011000D91683108108300F0000800084F60597D00410042\x1A", 10'000), "|+CMGS: 1||OK|");
+    EXPECT_THAT(networkSaid, testing::ElementsAre("message to 8613800138000: \"你好AB\""));
+    EXPECT_EQ(Command("sent"), "8613800138000  \"你好AB\"");
+    for (int i = 0; i < 100; ++i)
+        unit.Messages().OnSent(*BytesFromHex("000100038101F800040141"), now);
+    EXPECT_EQ(unit.Messages().Sent().size(), 100u);
+    EXPECT_EQ(unit.Messages().Sent().front().text, "A") << "the first is forgotten";
 }
 
 }  // namespace
