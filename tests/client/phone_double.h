@@ -1,7 +1,6 @@
 // The telephone program as its clients see it: the window, the shared block, the events.
 #pragma once
 
-#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -10,7 +9,6 @@
 #include "modem/shared_block.h"
 #include "platform/linux/bus_window_messages.h"
 #include "platform/linux/shm_named_objects.h"
-#include "platform/text.h"
 
 namespace varkel::test {
 
@@ -49,9 +47,8 @@ class PhoneDouble {
         for (const WindowHandle listener : listeners)
             m_windows.PostMessage(listener, {WM_USER + 542, linkStatus, reason});
     }
-    void Broadcast(std::string_view name, std::uint32_t wParam, std::uint32_t lParam) {
-        m_windows.PostMessage(WindowHandle::Broadcast,
-                              {m_windows.RegisterWindowMessage(name), wParam, lParam});
+    void Broadcast(std::string_view name) {
+        m_windows.PostMessage(WindowHandle::Broadcast, {m_windows.RegisterWindowMessage(name), 0, 0});
     }
 
   private:
@@ -68,20 +65,10 @@ class PhoneDouble {
             m_windows.PostMessage(window, {WM_USER + 542, 2, 11});
         }
         if (text == "1001") std::erase(listeners, window);
-        if (text == "1002") AnswerText(imsi, &GsmDataLayout::imsi);
-        if (text == "1003") AnswerText(imei, &GsmDataLayout::imei);
+        if (text == "1002" && !imsi.empty()) m_data.AnswerImsi(imsi);
+        if (text == "1003" && !imei.empty()) m_data.AnswerImei(imei);
         if (text == "1005" && status && m_data.SetConnectionStatus(*status)) m_data.SignalResponse();
         if (text == "3Gwindow_QUIT" && onQuit) onQuit();
-    }
-
-    void AnswerText(const std::string& text, char16_t (GsmDataLayout::*field)[256]) {
-        if (text.empty() || !m_data.Lock()) return;
-        const std::u16string units = Utf16FromUtf8(text);
-        char16_t(&target)[256] = static_cast<GsmDataLayout*>(m_data.View())->*field;
-        std::memset(target, 0, sizeof target);
-        std::copy(units.begin(), units.end(), target);
-        m_data.SignalResponse();
-        m_data.Unlock();
     }
 
     std::uint32_t OnCopyData(std::uint32_t dwData, std::span<const std::byte> data) {
