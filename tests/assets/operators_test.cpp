@@ -24,15 +24,12 @@ TEST(Operators, OfANewUnitServeTheirOwnSimsAndAllOthers) {
         EXPECT_EQ(found->name.View(), isp.name.View()) << code;
         EXPECT_TRUE(isp.dialNumber.View().starts_with("*99") && isp.dialNumber.View().ends_with("#")) << code;
     }
-    const struct {
-        const char* imsi;
-        const char* accessPoint;
-    } sims[] = {{"460001234567890", "CMNET"},
-                {"262011234567890", "internet.telekom"},
-                {"310410123456789", "broadband"},
-                {"001010123456789", "internet"}};
-    for (const auto& sim : sims)
-        EXPECT_EQ(isps.Find(sim.imsi)->szAPN.View(), sim.accessPoint) << sim.imsi;
+    const std::pair<const char*, const char*> accessPoints[] = {{"460001234567890", "CMNET"},
+                                                                {"262011234567890", "internet.telekom"},
+                                                                {"310410123456789", "broadband"},
+                                                                {"001010123456789", "internet"}};
+    for (const auto& [imsi, accessPoint] : accessPoints)
+        EXPECT_EQ(isps.Find(imsi)->szAPN.View(), accessPoint) << imsi;
 }
 
 TEST(Operators, OfADoubtfulTableMakeNoList) {

@@ -1,11 +1,10 @@
 // The pictures of both skins, as the build has made them.
 #include <algorithm>
-#include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -22,10 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uint32_t magenta = 0xFF00FF;
-
-fs::path Pictures(const std::string& palette) {
-    return fs::path(VARKEL_ASSETS) / ("skin-" + palette) / "ResidentFlash2/bin/Gprs";
-}
 
 BmpPicture Read(const fs::path& path) {
     const std::string bytes = test::FileContent(path);
@@ -52,24 +47,16 @@ struct Listed {
 };
 
 std::vector<Listed> ListedPictures() {
+    const std::regex row(R"(\| ([^| ]+) *\| ([^|]*?) *\| (\d+ x \d+) *\| (\w*) *\|.*)");
     std::istringstream readme(test::FileContent(VARKEL_SKIN "/README.md"));
     std::vector<Listed> listed;
-    bool inTable = false;
+    std::smatch cells;
     for (std::string line; std::getline(readme, line);) {
-        if (line.starts_with("| picture ")) inTable = true;
-        if (!inTable || line.starts_with("| picture ") || !line.starts_with("| ")) continue;
-        std::array<std::string, 4> cells;
-        std::istringstream row(line.substr(1));
-        for (std::string& cell : cells) {
-            std::getline(row, cell, '|');
-            cell.erase(0, cell.find_first_not_of(' '));
-            cell.erase(cell.find_last_not_of(' ') + 1);
-        }
-        Listed picture{cells[0], {}, cells[2], cells[3] == "yes"};
-        std::istringstream suffixes(cells[1]);
+        if (!std::regex_match(line, cells, row)) continue;
+        listed.push_back({cells[1], {}, cells[3], cells[4] == "yes"});
+        std::istringstream suffixes(cells[2]);
         for (std::string suffix; std::getline(suffixes >> std::ws, suffix, ',');)
-            picture.suffixes.push_back(suffix == "-" ? "" : suffix);
-        listed.push_back(picture);
+            listed.back().suffixes.push_back(suffix == "-" ? "" : suffix);
     }
     return listed;
 }
@@ -101,12 +88,13 @@ class SkinTest : public testing::TestWithParam<const char*> {
         return static_cast<std::uint32_t>(std::stoul(palette.Get("", name, "#").substr(1), nullptr, 16));
     }
 
-    const fs::path pictures = Pictures(GetParam());
+    const fs::path pictures =
+        fs::path(VARKEL_ASSETS) / (std::string("skin-") + GetParam()) / "ResidentFlash2/bin/Gprs";
     const KeyFile palette = KeyFile::Parse(test::FileContent((pictures / "palette.txt").string()));
 };
 
 TEST_P(SkinTest, PicturesAreAsTheReadmeListsThem) {
-    std::size_t count = 0;
+    int count = 0;
     for (const Listed& listed : ListedPictures()) {
         std::set<std::vector<std::uint32_t>> looks;
         for (const std::string& suffix : listed.suffixes) {
@@ -120,11 +108,9 @@ TEST_P(SkinTest, PicturesAreAsTheReadmeListsThem) {
             ++count;
         }
     }
-    const auto files = fs::recursive_directory_iterator(pictures);
-    EXPECT_EQ(count, static_cast<std::size_t>(
-                         std::count_if(begin(files), end(files),
-                                       [](const auto& file) { return file.path().extension() == ".bmp"; })))
-        << "pictures that are not listed";
+    for (const auto& file : fs::recursive_directory_iterator(pictures))
+        count -= file.path().extension() == ".bmp" ? 1 : 0;
+    EXPECT_EQ(count, 0) << "pictures that are not listed";
 }
 
 TEST_P(SkinTest, IconsAreSeenOnTheirGround) {
@@ -141,9 +127,8 @@ TEST_P(SkinTest, IconsAreSeenOnTheirGround) {
         if (!touched || isTab || withoutIcon.contains(listed.name)) continue;
         for (const std::string& suffix : listed.suffixes) {
             const BmpPicture bmp = Read(File(listed.name + suffix));
-            const int inset = bmp.size.width == 200               ? 16
-                              : bmp.size.width == bmp.size.height ? bmp.size.width / 9
-                                                                  : 9;
+            const bool isSquare = bmp.size.width == bmp.size.height;
+            const int inset = bmp.size.width == 200 ? 16 : isSquare ? bmp.size.width / 9 : 9;
             const std::uint32_t ground = Color(suffix == "Sel" ? "pressed" : "well");
             const bool isOff = suffix.find("Dis") != std::string::npos;
             EXPECT_GE(IconContrast(bmp, listed.keyed ? 0 : inset, ground, colors), isOff ? 3 : 4.5)
@@ -152,26 +137,6 @@ TEST_P(SkinTest, IconsAreSeenOnTheirGround) {
         }
     }
     EXPECT_GT(seen, 100);
-}
-
-TEST_P(SkinTest, TheArrowHasTheColourOfTheScrollBar) {
-    const std::uint32_t fill = At(Read(File("Scrollbar/VerticalScrollBarUpArrow")), 13, 14);
-    EXPECT_EQ(fill, Color("thumb"));
-    EXPECT_GE(Contrast(fill, At(Read(File("Scrollbar/VerticalScrollBarChannel")), 0, 0)), 3);
-}
-
-TEST_P(SkinTest, IsMadeOfTheSameBytesEachTime) {
-    test::ScratchDirectory scratch;
-    const std::string command = std::string(VARKEL_MAKE_SKIN " " VARKEL_SKIN "/") + GetParam() +
-                                ".txt " VARKEL_SKIN "/icons " + (scratch / "skin");
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    const fs::path made = scratch / "skin";
-    for (const auto& file : fs::recursive_directory_iterator(made)) {
-        if (!file.is_regular_file()) continue;
-        const fs::path built =
-            fs::path(VARKEL_ASSETS) / (std::string("skin-") + GetParam()) / fs::relative(file.path(), made);
-        EXPECT_EQ(test::FileContent(file.path().string()), test::FileContent(built.string())) << built;
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Palettes, SkinTest, testing::Values("night", "day"));
