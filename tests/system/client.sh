@@ -5,21 +5,10 @@
 #     client.sh VARKEL-SIM VARKEL VARKELCTL ASSETS UNIT-DIR
 set -eu
 simulator=$1 program=$2 client=$3 assets=$4 unit=$5
-. "$(dirname "$0")/await.sh"
+# shellcheck source-path=SCRIPTDIR source=simulated_unit.sh
+. "$(dirname "$0")/simulated_unit.sh"
 
-rm -rf "$unit"
-mkdir -p "$unit"
-# The simulator leaves when its input ends.
-mkfifo "$unit/console"
-"$simulator" --unit-dir "$unit" --assets "$assets" --quiet -- \
-    "$program" --headless --unit-file "$unit/unit.conf" <"$unit/console" >"$unit/output" 2>&1 &
-exec 3>"$unit/console"
-
-fail() {
-    echo "$1" >&2
-    tail -n 30 "$unit/output" >&2
-    exit 1
-}
+start_unit --quiet -- "$program" --headless
 
 ask() { "$client" --unit-file "$unit/unit.conf" "$@"; }
 # order MEMBER ARGUMENT...: what another program posts to the window.

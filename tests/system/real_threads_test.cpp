@@ -8,6 +8,10 @@ namespace {
 
 struct RealThreads : testing::Test, RealSession {
     RealThreads() : RealSession(10) {}
+    void OpenModule() {
+        dialog->OpenModule();
+        ASSERT_TRUE(RunUntil([this] { return Open(); }, 120'000));
+    }
 };
 
 TEST_F(RealThreads, OpenWithAPinAndShutDown) {
@@ -19,16 +23,14 @@ TEST_F(RealThreads, OpenWithAPinAndShutDown) {
     EXPECT_TRUE(Open());
     EXPECT_EQ(dialog->State().m_strImsi.Get(), "460001234567890");
     EXPECT_TRUE(RunUntil([this] { return windows.CountPosted("UM_QX_SIGNALSTAT 3 0") >= 2; }, 40'000));
-    const auto reset = registry->List("Software\\QXGprsSim");
-    EXPECT_EQ(reset.size(), 2u);
+    EXPECT_EQ(registry->List("Software\\QXGprsSim").size(), 2u);
     dialog->CloseModule();
     EXPECT_TRUE(RunUntil([this] { return dialog->State().MainScreenMode == ScreenMode::Closed; }, 20'000));
     EXPECT_EQ(unit.SuspendLocks(), 0);
 }
 
 TEST_F(RealThreads, ComeBackAfterTheDeviceVanished) {
-    dialog->OpenModule();
-    ASSERT_TRUE(RunUntil([this] { return Open(); }, 120'000));
+    OpenModule();
     unit.Command("vanish");
     ASSERT_TRUE(RunUntil([this] { return screens.Count("warn 18") == 1; }, 30'000));
     unit.Command("appear");
@@ -41,13 +43,12 @@ TEST_F(RealThreads, ComeBackAfterTheDeviceVanished) {
 }
 
 TEST_F(RealThreads, KeepEveryMessageOfABurstWhileACallRings) {
-    dialog->OpenModule();
-    ASSERT_TRUE(RunUntil([this] { return Open(); }, 120'000));
+    OpenModule();
     MessageHandling& messages = dialog->Messages();
     unit.Command("sms-burst 20");
     for (int ring = 0; ring < 5; ++ring) {
         unit.Command("urc RING");
-        RunUntil([] { return false; }, 150);
+        RunFor(150);
     }
     EXPECT_TRUE(RunUntil([&] { return messages.Boxes().inbox.Count() == 20; }, 60'000));
     EXPECT_TRUE(messages.SendSMDll("13800000000", "while they are announced"));
@@ -62,8 +63,8 @@ TEST_F(RealThreads, ServeOtherProgramsOverADataLink) {
     const auto post = [this](unsigned number, std::uint32_t wParam) {
         windows.PostMessage(dialog->Window(), {WM_USER + number, wParam, 0});
     };
-    dialog->OpenModule();
-    ASSERT_TRUE(RunUntil([this] { return dialog->Data().Connected() && Open(); }, 120'000));
+    OpenModule();
+    ASSERT_TRUE(RunUntil([this] { return dialog->Data().Connected(); }, 120'000));
     const auto response = objects.CreateEvent("CGSMData RESP EVENT");
     for (int round = 0; round < 20; ++round) {
         response->Reset();
@@ -86,10 +87,10 @@ TEST_F(RealThreads, ServeOtherProgramsOverADataLink) {
 TEST_F(RealThreads, EndInTheMiddleOfEverything) {
     dialog->OpenModule();
     unit.Command("noise 0.01");
-    RunUntil([] { return false; }, 5'000);
+    RunFor(5'000);
     dialog->CloseModule();
     dialog->OpenModule();
-    RunUntil([] { return false; }, 7'000);
+    RunFor(7'000);
     Quit();
     EXPECT_EQ(dialog->State().MainScreenMode, ScreenMode::Closed);
     EXPECT_EQ(unit.SuspendLocks(), 0);

@@ -9,28 +9,17 @@ shift 4
 [ $# -gt 0 ] || set -- calls service_code write_message answer_message delete_all call_back contact network_mode module
 
 here=$(dirname "$0")
-. "$here/await.sh"
 stories=$here/window
-
+# shellcheck source-path=SCRIPTDIR source=simulated_unit.sh
+. "$here/simulated_unit.sh"
 # shellcheck source-path=SCRIPTDIR source=window/names.sh
 . "$stories/names.sh"
 
-rm -rf "$unit"
-mkdir -p "$unit/glass"
+mkdir "$unit/glass"
 setpriv --pdeathsig KILL Xvfb -displayfd 1 -screen 0 800x480x24 -nolisten tcp -fbdir "$unit/glass" \
     >"$unit/display" 2>/dev/null &
-server=$! simulated=
+server=$!
 
-fail() {
-    echo "$1" >&2
-    cp "$unit/glass/Xvfb_screen0" "$unit/screen.xwd" 2>/dev/null || true
-    tail -n 40 "$unit/output" >&2
-    [ -z "$simulated" ] || kill "$simulated"
-    exit 1
-}
-
-# A line for the program; one behind "!" is for the simulator.
-tell() { echo "$1" >&3; }
 # ask COMMAND TEXT...: the program's answer to a command has these texts, one after the other.
 ask() {
     tell "$1"
@@ -50,7 +39,6 @@ find_target() {
     place=$(told "$asked,\$" | sed -n "s/^$id at \(.*\), \(.*\), \(.*\) x \(.*\)$/\1 \2 \3 \4/p" | sed -n "${which}p")
     [ -n "$place" ]
 }
-pointer() { DISPLAY=$display xdotool mousemove "$@"; }
 set_middle() { x=$(($1 + $3 / 2)) y=$(($2 + $4 / 2)); }
 aim() {
     wait_for 30 "a touch of $1" find_target "$1"
@@ -61,12 +49,12 @@ aim() {
 tap() {
     for target in "$@"; do
         aim "$target"
-        pointer "$x" "$y" click 1
+        xdotool mousemove "$x" "$y" click 1
     done
 }
 tap_twice() {
     aim "$1"
-    pointer "$x" "$y" click --repeat 2 --delay 40 1
+    xdotool mousemove "$x" "$y" click --repeat 2 --delay 40 1
 }
 # type_keys TEXT: on the page of the soft keyboard that is open.
 type_keys() {
@@ -77,6 +65,18 @@ type_keys() {
     done
 }
 
+# send_written TEXT NUMBER: what is typed on the screen that writes messages, and left then.
+send_written() {
+    type_keys "$1"
+    tap $write_send
+    await 30 "message to 86$2: \"$1\""
+    await 20 "[message] sent"
+    tap $exit
+}
+hang_up() {
+    tap $main_hang_up
+    await 20 "UM_CALLHOOKED"
+}
 # told_by COMMAND TEXT: the program's answer has this text by now.
 told_by() {
     tell "$1"
@@ -93,12 +93,9 @@ miss_call() {
 }
 
 wait_for 20 "a display" test -s "$unit/display"
-display=:$(cat "$unit/display")
-mkfifo "$unit/console"
-DISPLAY=$display SDL_VIDEODRIVER=x11 "$simulator" --unit-dir "$unit" --assets "$assets" --pin 1234 -- \
-    "$program" --unit-file "$unit/unit.conf" <"$unit/console" >"$unit/output" 2>&1 &
-simulated=$!
-exec 3>"$unit/console"
+DISPLAY=:$(cat "$unit/display") SDL_VIDEODRIVER=x11
+export DISPLAY SDL_VIDEODRIVER
+start_unit --pin 1234 -- "$program"
 
 await 60 "[input]"
 tap $code_1 $code_2 $code_3 $code_4 $ok

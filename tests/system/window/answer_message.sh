@@ -2,10 +2,6 @@
 tell "!sms 13800138000 \"Where are you?\""
 await 20 "[message] new"
 tap $message_reply
-type_keys here
-tap $write_send
-await 30 "message to 8613800138000: \"here\""
-await 20 "[message] sent"
-tap $exit
+send_written here 13800138000
 ask inbox "[inbox] 1 message" "13800138000  Where are you?"
 ask outbox "13800138000  here"

@@ -5,5 +5,4 @@ tap_twice $row:1
 await 20 "call to 13800138000"
 tell "!answer"
 await 20 "in a call"
-tap $main_hang_up
-await 20 "UM_CALLHOOKED"
+hang_up

@@ -3,10 +3,8 @@ tell "!call 13800138000"
 await 20 "13800138000 is calling"
 tap $call_accept
 await 20 "in a call"
-tap $main_hang_up
-await 20 "UM_CALLHOOKED"
+hang_up
 
 tap $main_dial_pad $pad_1 $pad_0 $pad_0 $pad_0 $pad_0 $pad_dial
 await 30 "in a call"
-tap $main_hang_up
-await 20 "UM_CALLHOOKED"
+hang_up

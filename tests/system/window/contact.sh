@@ -6,10 +6,6 @@ type_keys 13800138003
 tap $contact_save $contact_row:1 $exit $exit
 
 tap $main_messages $message_new $write_contact $contact_row:1 $write_text
-type_keys hi
-tap $write_send
-await 30 "message to 8613800138003: \"hi\""
-await 20 "[message] sent"
-tap $exit
+send_written hi 13800138003
 
 miss_call 13800138003 Mary

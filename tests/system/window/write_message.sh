@@ -2,9 +2,5 @@
 tap $main_messages $message_new $write_number
 type_keys 10010
 tap $write_text
-type_keys hello
-tap $write_send
-await 30 "message to 8610010: \"hello\""
-await 20 "[message] sent"
-tap $exit
+send_written hello 10010
 ask outbox "[outbox] 1 message" "10010  hello"
