@@ -1,18 +1,13 @@
 // How fast the channel takes in what a modem says: ordinary traffic in reads of 64 bytes.
+#include <algorithm>
 #include <benchmark/benchmark.h>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "modem/at_channel.h"
 #include "platform/linux/linux_runtime.h"
 #include "platform/linux/linux_unit_files.h"
-#include "platform/message_loop.h"
-#include "tests/support/memory_windows.h"
-#include "tests/support/recorded_notices.h"
-#include "tests/support/table_driver.h"
-#include "tests/support/virtual_runtime.h"
-#include "tests/support/virtual_serial.h"
+#include "tests/modem/channel_parts.h"
+#include "tests/support/scratch.h"
 
 namespace {
 
@@ -41,13 +36,6 @@ const std::string& Traffic() {
     return traffic;
 }
 
-std::int64_t Lines() {
-    std::int64_t lines = 0;
-    for (const char c : Traffic())
-        lines += c == '\n';
-    return lines;
-}
-
 std::vector<std::string_view> Reads() {
     std::vector<std::string_view> reads;
     const std::string_view all = Traffic();
@@ -57,47 +45,30 @@ std::vector<std::string_view> Reads() {
 }
 
 void Report(benchmark::State& state) {
+    const auto lines = std::count(Traffic().begin(), Traffic().end(), '\n');
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(Traffic().size()));
-    state.counters["ns/line"] = benchmark::Counter(static_cast<double>(state.iterations() * Lines()) * 1e-9,
+    state.counters["ns/line"] = benchmark::Counter(static_cast<double>(state.iterations() * lines) * 1e-9,
                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 void Feed(benchmark::State& state, LogLevel level) {
-    char directory[] = "/tmp/varkel-bench-XXXXXX";
-    if (!mkdtemp(directory)) return state.SkipWithError("no directory for the log");
-    LinuxRuntime runtime;
-    MessageLoop loop(runtime);
-    LinuxUnitFiles files(directory, directory);
-    Log log(runtime, files);
-    log.Open("Nandflash\\3G", 4 << 20, level);
-    TableDriver driver;
-    MemoryWindows windows(loop);
-    RecordedNotices notices;
-    VirtualSerial serial(runtime);
-    CCESeries link(runtime, serial, notices, log);
-    CATChannel channel(runtime, driver, windows, log);
+    const ScratchDirectory scratch;
+    ChannelParts<LinuxRuntime, LinuxUnitFiles> parts{LinuxRuntime(),
+                                                     LinuxUnitFiles(scratch.Path(), scratch.Path())};
+    parts.log.Open("Nandflash\\3G", 4 << 20, level);
     ModemHandlers handlers;
     handlers.OnSignalStatus = handlers.OnMsComeIn = handlers.OnMsContent = handlers.OnRing =
         handlers.OnRingNo = handlers.OnPhoneBookContent =
             [](void*, std::string_view text) { benchmark::DoNotOptimize(text.data()); };
     handlers.OnAtResult = [](void*, AtResult result) { benchmark::DoNotOptimize(result); };
-    channel.SetHandlers(handlers);
-    channel.Attach(link, &channel);
+    parts.channel.SetHandlers(handlers);
+    parts.channel.Attach(parts.link, &parts);
     const auto reads = Reads();
     for (auto _ : state) {
         for (const std::string_view read : reads)
-            channel.ProcessRcv(read);
+            parts.channel.ProcessRcv(read);
     }
     Report(state);
-    const std::string command = std::string("rm -r ") + directory;
-    if (std::system(command.c_str()) != 0) state.SkipWithError("the log was not removed");
-}
-
-void FeedWithoutLog(benchmark::State& state) {
-    Feed(state, LogLevel::None);
-}
-void FeedWithLog(benchmark::State& state) {
-    Feed(state, LogLevel::Debug);
 }
 
 void SearchInOnePass(benchmark::State& state) {
@@ -126,8 +97,8 @@ void SearchWordByWord(benchmark::State& state) {
 
 BENCHMARK(SearchWordByWord);
 BENCHMARK(SearchInOnePass);
-BENCHMARK(FeedWithoutLog);
-BENCHMARK(FeedWithLog);
+BENCHMARK_CAPTURE(Feed, WithoutLog, LogLevel::None);
+BENCHMARK_CAPTURE(Feed, WithLog, LogLevel::Debug);
 
 }  // namespace
 

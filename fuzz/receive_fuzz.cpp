@@ -1,21 +1,14 @@
 // Whatever the modem sends, in whatever chunks: the channel's parser, with one-shots pending and codes
 // outstanding. The input is a sequence of {what to set first, length, chunk}.
 #include "fuzz/input.h"
-#include "modem/at_channel.h"
-#include "platform/message_loop.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/memory_windows.h"
-#include "tests/support/recorded_notices.h"
-#include "tests/support/table_driver.h"
-#include "tests/support/virtual_runtime.h"
-#include "tests/support/virtual_serial.h"
+#include "tests/modem/channel_parts.h"
 
 namespace {
 
 using namespace varkel;
 using namespace varkel::test;
 
-struct Target {
+struct Target : VirtualChannel {
     Target() {
         log.Open("log", 64 * 1024, LogLevel::Debug);
         channel.SetHandlers(Handlers());
@@ -51,16 +44,6 @@ struct Target {
         if (flags & 64) runtime.Sleep(SecretWatch::patience);
     }
 
-    VirtualRuntime runtime{1};
-    MessageLoop loop{runtime};
-    MemoryFiles files;
-    Log log{runtime, files};
-    TableDriver driver;
-    MemoryWindows windows{loop};
-    RecordedNotices notices;
-    VirtualSerial serial{runtime};
-    CCESeries link{runtime, serial, notices, log};
-    CATChannel channel{runtime, driver, windows, log};
     unsigned sum = 0;
 };
 

@@ -6,15 +6,9 @@
 #include <gtest/gtest.h>
 #include <new>
 
-#include "modem/at_channel.h"
 #include "modem/sms_pdu.h"
+#include "tests/modem/channel_parts.h"
 #include "tests/support/code_pages.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/memory_windows.h"
-#include "tests/support/recorded_notices.h"
-#include "tests/support/table_driver.h"
-#include "tests/support/virtual_runtime.h"
-#include "tests/support/virtual_serial.h"
 
 namespace {
 thread_local std::size_t allocations = 0;
@@ -36,17 +30,8 @@ namespace varkel::test {
 namespace {
 
 TEST(Allocation, IsNotNeededToParseAChunk) {
-    VirtualRuntime runtime(1);
-    MessageLoop loop(runtime);
-    MemoryFiles files;
-    Log log(runtime, files);
-    TableDriver driver;
-    MemoryWindows windows(loop);
-    RecordedNotices notices;
-    VirtualSerial serial(runtime);
-    CCESeries link(runtime, serial, notices, log);
-    CATChannel channel(runtime, driver, windows, log);
-    channel.Attach(link, &channel);
+    VirtualChannel parts;
+    parts.channel.Attach(parts.link, &parts);
     const std::string chunks[] = {"AT+CSQ\r\r\n+CSQ: 18,99\r\n\r\nOK\r\n",
                                   "AT+CIMI\r\r\n",
                                   "460001234567890\r\n\r\nOK\r\n",
@@ -56,7 +41,7 @@ TEST(Allocation, IsNotNeededToParseAChunk) {
     const std::size_t before = allocations;
     for (int round = 0; round < 100; ++round) {
         for (const std::string& chunk : chunks)
-            channel.ProcessRcv(chunk);
+            parts.channel.ProcessRcv(chunk);
     }
     EXPECT_EQ(allocations - before, 0u);
 }

@@ -4,21 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "modem/at_channel.h"
-#include "platform/log.h"
-#include "platform/message_loop.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/memory_windows.h"
-#include "tests/support/recorded_notices.h"
-#include "tests/support/table_driver.h"
-#include "tests/support/virtual_runtime.h"
-#include "tests/support/virtual_serial.h"
+#include "tests/modem/channel_parts.h"
 
 namespace varkel::test {
 
 // Every event is written down: "OnCpin(+CPIN: READY...)". The bench is the handlers' owner.
-struct ChannelBench {
-    explicit ChannelBench(std::uint64_t seed = 1) : runtime(seed) {
+struct ChannelBench : VirtualChannel {
+    explicit ChannelBench(std::uint64_t seed = 1) : VirtualChannel(seed) {
         log.Open("Nandflash\\3G", 4 << 20, LogLevel::Debug);
         driver.SetAnswer(DrvFunction::GetUsbHostStatus, 1);
         channel.SetHandlers(Handlers());
@@ -34,9 +26,6 @@ struct ChannelBench {
         channel.SetLinkUp(true);
     }
 
-    // Without a link: the parser alone.
-    void AttachOnly() { channel.Attach(link, this); }
-
     std::vector<std::string> TakeEvents() {
         return m_events.With([](auto& list) { return std::exchange(list, {}); });
     }
@@ -46,16 +35,6 @@ struct ChannelBench {
     }
     ModemHandlers Handlers();
 
-    VirtualRuntime runtime;
-    MessageLoop loop{runtime};
-    MemoryFiles files;
-    Log log{runtime, files};
-    TableDriver driver;
-    MemoryWindows windows{loop};
-    RecordedNotices notices;
-    VirtualSerial serial{runtime};
-    CCESeries link{runtime, serial, notices, log};
-    CATChannel channel{runtime, driver, windows, log};
     bool servesClient = false;
     std::shared_ptr<Event> sendResult = runtime.CreateEvent(EventReset::Manual);
 

@@ -67,30 +67,29 @@ class ReferenceParser {
             {25, "OnCimi"},         {26, "OnGsn"},           {27, "OnUssd"},
             {28, "OnCpin"},         {32, "OnDisc"},          {33, "OnUrcInd"},
             {35, "OnSimInserted"}};
-        const auto note = [this](std::string event) { events.push_back(std::move(event)); };
         switch (index) {
             case 1:
             case 3:
             case 6:
             case 14:
             case 17:
-            case 19: note("OnCallHooked()"); break;
+            case 19: events.push_back("OnCallHooked()"); break;
             case 2: ringAllowed = false; break;
-            case 5: note("OnAtResult(11)"); break;
+            case 5: events.push_back("OnAtResult(11)"); break;
             case 10:
-                note("OnSendState(1)");
-                note("OnSendMsSuc()");
+                events.push_back("OnSendState(1)");
+                events.push_back("OnSendMsSuc()");
                 break;
-            case 18: note("OnNoSim()"); break;
-            case 20: note("OnAtResult(3)"); break;
+            case 18: events.push_back("OnNoSim()"); break;
+            case 20: events.push_back("OnAtResult(3)"); break;
             case 34:
-                if (ringAllowed) note("OnRing(" + std::string(text) + ")");
+                if (ringAllowed) events.push_back("OnRing(" + std::string(text) + ")");
                 break;
             case 36:
-            case 37: note("OnAtResult(1)"); break;
+            case 37: events.push_back("OnAtResult(1)"); break;
             default:
                 if (const auto name = names.find(index); name != names.end())
-                    note(std::string(name->second) + "(" + std::string(text) + ")");
+                    events.push_back(std::string(name->second) + "(" + std::string(text) + ")");
         }
     }
 

@@ -3,19 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/guarded.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/recorded_notices.h"
-#include "tests/support/virtual_runtime.h"
-#include "tests/support/virtual_serial.h"
+#include "tests/modem/channel_parts.h"
 
 namespace varkel::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
-struct LinkTest : testing::Test {
+struct LinkTest : testing::Test, VirtualChannel {
     LinkTest() {
         link.SetReceiveCallback([](void* owner, std::string_view chunk) {
             auto& self = *static_cast<LinkTest*>(owner);
@@ -39,12 +34,6 @@ struct LinkTest : testing::Test {
         return runtime.Elapsed() - start;
     }
 
-    VirtualRuntime runtime{3};
-    MemoryFiles files;
-    Log log{runtime, files};
-    RecordedNotices notices;
-    VirtualSerial serial{runtime};
-    CCESeries link{runtime, serial, notices, log};
     Guarded<std::vector<std::string>> chunks;
     std::atomic<Ticks> handlerTakes = 0;
 };
@@ -97,7 +86,7 @@ TEST_F(LinkTest, HandsOverEachChunkAndSkipsEmptyEvents) {
     ASSERT_TRUE(Open());
     serial.FeedNothing();
     runtime.Sleep(50);
-    EXPECT_THAT(chunks.Get(), IsEmpty());
+    EXPECT_TRUE(chunks.Get().empty());
     serial.Feed("\r\n+CPIN: ");
     serial.Feed("READY\r\n");
     runtime.Sleep(50);
@@ -176,21 +165,16 @@ TEST_F(LinkTest, ClosesPromptlyWhateverItsThreadsAreIn) {
 }
 
 TEST(LinkSchedules, NeverLoseTheEndOfTheReader) {
-    RecordedNotices notices;
     for (std::uint64_t seed = 1; seed <= 300; ++seed) {
-        VirtualRuntime own(seed);
-        MemoryFiles ownFiles;
-        Log ownLog(own, ownFiles);
-        VirtualSerial ownSerial(own);
-        CCESeries ownLink(own, ownSerial, notices, ownLog);
-        ASSERT_TRUE(ownLink.OpenPort(nullptr, 7, 115200, 0, 8, 0));
-        own.Sleep(static_cast<Ticks>(seed % 7));
-        ownSerial.FeedNothing();
-        if (seed % 2 == 0) ownSerial.Feed("RING\r\n");
-        own.Sleep(static_cast<Ticks>(seed % 13));
-        const std::uint64_t start = own.Elapsed();
-        ownLink.ClosePort();
-        ASSERT_LE(own.Elapsed() - start, 250u) << "seed " << seed;
+        VirtualChannel bench(seed);
+        ASSERT_TRUE(bench.link.OpenPort(nullptr, 7, 115200, 0, 8, 0));
+        bench.runtime.Sleep(static_cast<Ticks>(seed % 7));
+        bench.serial.FeedNothing();
+        if (seed % 2 == 0) bench.serial.Feed("RING\r\n");
+        bench.runtime.Sleep(static_cast<Ticks>(seed % 13));
+        const std::uint64_t start = bench.runtime.Elapsed();
+        bench.link.ClosePort();
+        ASSERT_LE(bench.runtime.Elapsed() - start, 250u) << "seed " << seed;
     }
 }
 

@@ -29,9 +29,7 @@ TEST(UssdAnswer, IsDecodedByItsSchemeAndEndsWhereItsLineEnds) {
         {"+CUSD: 0,\"", 0, ""},
         {"+CUSD: 0,\"never ends", 0, ""},
         // The default alphabet: 00 is "@", 02 "$", 11 "_", 1B 65 the euro sign.
-        {"+CUSD: 0,\"a\x00"s + "b \x02"
-                               "5 \x11 \x1B\x65\",15\r\n",
-         0, "a@b $5 _ €"},
+        {"+CUSD: 0,\"a\0b \x02\x35 \x11 \x1B\x65\",15\r\n"s, 0, "a@b $5 _ €"},
         // UCS2, with small digits, with a language in front, with half a unit at the end.
         {"+CUSD: 0,\"0411043004300041\",72\r\n", 0, "БааA"},
         {"+CUSD: 0,\"4f59989d\",72\r\n", 0, "余额"},
