@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "tests/stores/stores_fixture.h"
 #include "tests/support/screen_bench.h"
 #include "ui/screens/call_records_dlg.h"
 #include "ui/screens/phone_book_dlg.h"
@@ -11,22 +12,13 @@ namespace {
 
 using namespace varkel;
 
-template <class Record>
-std::string Bytes(const std::vector<Record>& records) {
-    return {reinterpret_cast<const char*>(records.data()), records.size() * sizeof(Record)};
-}
-
 void FillFiles(UnitFiles& files) {
     std::vector<CallRecord> calls;
     for (int i = 0; i < 10'000; ++i)
         calls.push_back(MakeCallRecord({.year = 2009, .month = 3, .day = 7}, "Bob", std::to_string(i)));
-    std::vector<PhoneBookRecord> contacts(2000);
-    for (std::size_t i = 0; i < contacts.size(); ++i) {
-        contacts[i].name.Assign("Contact " + std::to_string(i));
-        contacts[i].numbers[0].Assign(std::to_string(13800000000 + i));
-    }
-    (void)files.WriteWhole("NandFlash\\System\\Phone\\missedcall.msm", Bytes(calls));
-    (void)files.WriteWhole("NandFlash\\System\\Phone\\phonebook.msm", Bytes(contacts));
+    (void)files.WriteWhole("NandFlash\\System\\Phone\\missedcall.msm", test::BytesOf(calls));
+    (void)files.WriteWhole("NandFlash\\System\\Phone\\phonebook.msm",
+                           test::BytesOf(test::Several(test::Phone, 1, 2000)));
 }
 
 }  // namespace
@@ -44,7 +36,6 @@ int main() {
     CCallRecordsDlg calls(*bench.context);
     measure("open the call records", [&] { calls.Show(); });
     measure("scroll a page", [&] { calls.Click(ListScreen::pageDownId); });
-    measure("look for news", [&] { calls.OnSessionChanged(); });
     calls.EndDialog(DialogResult::Ok);
     bench.RunFor(10);
 

@@ -4,9 +4,7 @@
 #include <cstring>
 
 #include "fuzz/input.h"
-#include "stores/phone_book_file.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/virtual_runtime.h"
+#include "tests/stores/stores_fixture.h"
 
 namespace {
 
@@ -30,17 +28,10 @@ bool Found(const std::string& file, std::string_view number) {
     return false;
 }
 
-struct Bench {
-    test::VirtualRuntime runtime{1};
-    test::MemoryFiles files;
-    Log log{runtime, files};
-    PhoneBookFile book{files, log};
-};
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    static Bench bench;
+    static test::StoresInMemory bench;
     FuzzInput input(bytes, size);
     bench.files.WriteWhole(path, input.Piece());
     for (int change = 0; change < 12 && !input.Empty(); ++change) {
@@ -48,19 +39,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         const std::size_t index = input.Byte();
         const std::string_view text = input.Piece();
         std::string expected = bench.files.Content(path);
-        assert(bench.book.FindName(text).has_value() == Found(expected, text));
-        const PhoneBookFile::List shown = bench.book.Load();
+        assert(bench.phones.FindName(text).has_value() == Found(expected, text));
+        const PhoneBookFile::List shown = bench.phones.Load();
         PhoneBookRecord record;
         std::memcpy(&record, text.data(), std::min(text.size(), recordBytes));
         const std::string written(reinterpret_cast<const char*>(&record), recordBytes);
         if (what % 3 == 0) {
-            assert(bench.book.Add(record) == StoreResult::Done);
+            assert(bench.phones.Add(record) == StoreResult::Done);
             expected.resize(shown.size() * recordBytes);
             expected += written;
         } else if (index < shown.size()) {
             const bool changes = what % 3 == 1;
-            const StoreResult result = changes ? bench.book.Change(shown[index], index, record)
-                                               : bench.book.Delete(shown[index], index);
+            const StoreResult result = changes ? bench.phones.Change(shown[index], index, record)
+                                               : bench.phones.Delete(shown[index], index);
             assert(result == StoreResult::Done);
             expected.resize(shown.size() * recordBytes);
             expected.replace(index * recordBytes, recordBytes, changes ? written : "");

@@ -5,33 +5,16 @@
 #include <string>
 
 #include "fuzz/input.h"
-#include "stores/message_box.h"
-#include "tests/support/memory_files.h"
-#include "tests/support/virtual_runtime.h"
+#include "tests/stores/stores_fixture.h"
 
 namespace {
 
 using namespace varkel;
+using test::BytesOf;
 
 const std::string path = "NandFlash\\System\\Phone\\InboxMs.msm";
 constexpr std::size_t recordBytes = 194;
 constexpr std::size_t capacity = 150;
-
-// What a box should hold, on its own arithmetic: the records' bytes in a row.
-std::string WholeRecords(std::string file) {
-    file.resize(file.size() / recordBytes * recordBytes);
-    return file;
-}
-
-std::string BytesOf(const MessageBox::List& list) {
-    return {reinterpret_cast<const char*>(list.data()), list.size() * recordBytes};
-}
-
-std::string FilledUp(std::string_view piece) {
-    std::string text(piece.substr(0, recordBytes));
-    text.resize(recordBytes, '\0');
-    return text;
-}
 
 // A short input makes a full box, with records that are alike.
 std::string Repeated(std::string_view piece, int times) {
@@ -56,50 +39,46 @@ std::optional<std::size_t> Find(std::string_view records, std::string_view seen,
     return std::nullopt;
 }
 
-struct Bench {
-    test::VirtualRuntime runtime{1};
-    test::MemoryFiles files;
-    Log log{runtime, files};
-    MessageBox box{files, log, SmsBox::Inbox};
-};
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    static Bench bench;  // without state of its own: all of it stands in the file
+    static test::StoresInMemory bench;  // without state of its own: all of it stands in the file
+    MessageBox& box = bench.boxes.inbox;
     FuzzInput input(bytes, size);
     bench.files.WriteWhole(path, Repeated(input.Piece(), input.Byte()));
-    MessageBox::List shown = bench.box.FindSmsRecord();
+    MessageBox::List shown = box.FindSmsRecord();
     for (int change = 0; change < 5 && !input.Empty(); ++change) {
         const std::string before = bench.files.Content(path);
-        std::string expected = WholeRecords(before);
-        assert(BytesOf(bench.box.FindSmsRecord()) == expected);
+        // What the box should hold, on arithmetic of its own: the records' bytes in a row.
+        std::string expected = before.substr(0, before.size() / recordBytes * recordBytes);
+        assert(BytesOf(box.FindSmsRecord()) == expected);
         StoreResult result = StoreResult::NotFound;
         const std::uint8_t what = input.Byte();
         if (what % 8 == 0) {
-            result = bench.box.DeleteAll();
+            result = box.DeleteAll();
             expected.clear();
         } else if (what % 8 == 1) {
-            shown = bench.box.FindSmsRecord();
+            shown = box.FindSmsRecord();
         } else if (what % 8 == 2) {
             // Somebody else's bytes at the end of the file.
             bench.files.WriteWhole(path, before + std::string(input.Piece()));
             continue;
         } else if (what % 8 <= 4) {
-            const std::string text = FilledUp(input.Piece());
+            const std::string_view piece = input.Piece();
             SmsRecord record;
-            std::memcpy(&record, text.data(), recordBytes);
+            std::memcpy(&record, piece.data(), std::min(piece.size(), recordBytes));
             bench.files.freeBytes = what < 16 ? 0 : 1 << 20;
-            result = bench.box.WriteSmsRecord(record);
+            result = box.WriteSmsRecord(record);
             assert(result == (what < 16 ? StoreResult::VolumeFull : StoreResult::Done));
-            expected += text;
+            expected += BytesOf(std::vector{record});
         } else {
             const std::size_t row = input.Byte();
             const bool marks = what % 8 == 5;
-            result = marks ? bench.box.MarkRead(shown, row) : bench.box.Delete(shown, row);
+            result = marks ? box.MarkRead(shown, row) : box.Delete(shown, row);
             const std::size_t position = shown.size() - 1 - row;
-            const auto at =
-                row < shown.size() ? Find(expected, BytesOf({shown[position]}), position) : std::nullopt;
+            const auto at = row < shown.size()
+                                ? Find(expected, BytesOf(std::vector{shown[position]}), position)
+                                : std::nullopt;
             assert(result == (at ? StoreResult::Done : StoreResult::NotFound));
             if (at && !marks) expected.erase(*at * recordBytes, recordBytes);
             if (at && marks) {

@@ -15,7 +15,6 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
-#include <utility>
 
 namespace varkel::test {
 
@@ -28,88 +27,63 @@ std::int64_t Blocks(std::int64_t bytes) {
     return (bytes + block - 1) / block * block;
 }
 
+// A file of the watched directory.
+struct WatchedFile {
+    int number = 0;
+    std::int64_t taken = 0;
+};
+
 struct Disk {
-    std::string directory;
     ino_t directoryInode = 0;
     DiskFault fault;
     int calls = 0;
     std::int64_t room = unlimitedRoom;
-    std::map<ino_t, int> files;
-    std::map<ino_t, std::int64_t> taken;
+    std::map<ino_t, WatchedFile> files;
     int nextFile = 0;
     std::vector<DiskStep> steps;
 
+    bool IsFaulty() const {
+        return fault.first > 0 && (fault.forEver ? calls >= fault.first : calls == fault.first);
+    }
     // Counts one call; true when it is to fail, with errno set.
     bool Fails() {
         ++calls;
-        const bool chosen =
-            fault.first > 0 && (calls == fault.first || (fault.forEver && calls > fault.first));
-        if (!chosen || fault.error == 0) return false;
+        if (!IsFaulty() || fault.error == 0) return false;
         errno = fault.error;
         return true;
     }
-    bool WritesHalf() const {
-        return fault.error == 0 && fault.first > 0 && calls >= fault.first &&
-               (fault.forEver || calls == fault.first);
-    }
+    bool WritesHalf() const { return fault.error == 0 && IsFaulty(); }
 
-    // Whether this is a file of the watched directory.
     bool Knows(ino_t inode) const { return files.contains(inode); }
-    void Add(ino_t inode, std::int64_t size) {
-        files[inode] = nextFile++;
-        taken[inode] = Blocks(size);
-    }
+    void Add(ino_t inode, std::int64_t size) { files[inode] = {nextFile++, Blocks(size)}; }
     void Remove(ino_t inode) {
-        room += taken[inode] + block;
-        taken.erase(inode);
+        room += files[inode].taken + block;
         files.erase(inode);
     }
     // Makes a file's content reach to `end`, as far as there is room; returns how far.
     std::int64_t Grow(ino_t inode, std::int64_t end) {
-        const std::int64_t wanted = std::max<std::int64_t>(Blocks(end) - taken[inode], 0);
+        std::int64_t& taken = files[inode].taken;
+        const std::int64_t wanted = std::max<std::int64_t>(Blocks(end) - taken, 0);
         const std::int64_t given = std::min(wanted, std::max<std::int64_t>(room / block * block, 0));
         room -= given;
-        taken[inode] += given;
-        return std::min(end, taken[inode]);
+        taken += given;
+        return std::min(end, taken);
     }
-    void Shrink(ino_t inode, std::int64_t size) {
-        const std::int64_t kept = std::min(taken[inode], Blocks(size));
-        room += taken[inode] - kept;
-        taken[inode] = kept;
+    void Resize(ino_t inode, std::int64_t size) {
+        WatchedFile& file = files[inode];
+        const std::int64_t kept = std::min(file.taken, Blocks(size));
+        room += file.taken - kept;
+        file.taken = kept;
+        Note(inode, {.kind = DiskStep::Resize, .size = static_cast<std::size_t>(size)});
+    }
+    void Note(ino_t inode, DiskStep step) {
+        step.file = files[inode].number;
+        steps.push_back(std::move(step));
     }
 };
 
+std::unique_ptr<Disk> only;
 thread_local Disk* disk = nullptr;
-
-ino_t InodeOf(int file) {
-    Disk* const watching = std::exchange(disk, nullptr);
-    struct stat status {};
-    const ino_t inode = fstat(file, &status) == 0 ? status.st_ino : 0;
-    disk = watching;
-    return inode;
-}
-
-ino_t InodeIn(int directory, const char* name) {
-    Disk* const watching = std::exchange(disk, nullptr);
-    struct stat status {};
-    const int found = fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW);
-    disk = watching;
-    return found == 0 ? status.st_ino : 0;
-}
-
-bool IsWatched(int directory) {
-    return InodeOf(directory) == disk->directoryInode;
-}
-
-// What could not be written is not there, whoever did not look at the result.
-void LoseContent(int file) {
-    const int error = errno;
-    Disk* const watching = std::exchange(disk, nullptr);
-    // Fails on a file that was only read, as it should.
-    [[maybe_unused]] const int lost = ftruncate(file, 0);
-    disk = watching;
-    errno = error;
-}
 
 template <class Call>
 Call* Real(const char* name) {
@@ -118,22 +92,33 @@ Call* Real(const char* name) {
     return reinterpret_cast<Call*>(found);
 }
 
-std::unique_ptr<Disk> only;
+#define REAL(call) static auto* const real = Real<decltype(call)>(#call)
+
+// 0 when there is no such file.
+ino_t InodeOf(int directory, const char* name = "") {
+    REAL(fstatat);
+    struct stat status {};
+    return real(directory, name, &status, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW) == 0 ? status.st_ino : 0;
+}
+
+// What could not be written is not there, whoever did not look at the result.
+void LoseContent(int file) {
+    REAL(ftruncate);
+    const int error = errno;
+    // Fails on a file that was only read, as it should.
+    [[maybe_unused]] const int lost = real(file, 0);
+    errno = error;
+}
 
 }  // namespace
 
 DiskDouble::DiskDouble(const std::string& directory) {
     assert(!only);
     only = std::make_unique<Disk>();
-    only->directory = directory;
-    struct stat status {};
-    if (stat(directory.c_str(), &status) == 0) only->directoryInode = status.st_ino;
-    std::set<std::filesystem::path> names;
-    for (const auto& entry : std::filesystem::directory_iterator(directory))
-        names.insert(entry.path());
-    for (const auto& name : names) {
-        if (stat(name.c_str(), &status) == 0) only->Add(status.st_ino, status.st_size);
-    }
+    only->directoryInode = InodeOf(AT_FDCWD, directory.c_str());
+    const std::filesystem::directory_iterator all(directory);
+    for (const auto& name : std::set<std::filesystem::path>(begin(all), end(all)))
+        only->Add(InodeOf(AT_FDCWD, name.c_str()), static_cast<std::int64_t>(file_size(name)));
     disk = only.get();
 }
 
@@ -161,16 +146,7 @@ const std::vector<DiskStep>& DiskDouble::Steps() const {
 
 }  // namespace varkel::test
 
-using varkel::test::block;
-using varkel::test::disk;
-using varkel::test::DiskStep;
-using varkel::test::InodeIn;
-using varkel::test::InodeOf;
-using varkel::test::IsWatched;
-using varkel::test::LoseContent;
-using varkel::test::Real;
-
-#define REAL(call) static auto* const real = Real<decltype(call)>(#call)
+using namespace varkel::test;
 
 extern "C" int openat(int directory, const char* name, int flags, ...) {
     REAL(openat);
@@ -180,7 +156,8 @@ extern "C" int openat(int directory, const char* name, int flags, ...) {
     va_end(arguments);
     if (!disk) return real(directory, name, flags, mode);
     if (disk->Fails()) return -1;
-    const bool creates = (flags & O_CREAT) != 0 && IsWatched(directory) && InodeIn(directory, name) == 0;
+    const bool creates =
+        (flags & O_CREAT) != 0 && InodeOf(directory) == disk->directoryInode && InodeOf(directory, name) == 0;
     if (creates && disk->room < block) {
         errno = ENOSPC;
         return -1;
@@ -191,10 +168,9 @@ extern "C" int openat(int directory, const char* name, int flags, ...) {
     if (creates) {
         disk->room -= block;
         disk->Add(inode, 0);
-        disk->steps.push_back({.kind = DiskStep::Create, .file = disk->files[inode], .name = name});
+        disk->Note(inode, {.kind = DiskStep::Create, .name = name});
     } else if ((flags & O_TRUNC) != 0 && disk->Knows(inode)) {
-        disk->Shrink(inode, 0);
-        disk->steps.push_back({.kind = DiskStep::Resize, .file = disk->files[inode], .size = 0});
+        disk->Resize(inode, 0);
     }
     return file;
 }
@@ -229,13 +205,10 @@ extern "C" ssize_t write(int file, const void* bytes, std::size_t size) {
         return -1;
     }
     const ssize_t count = real(file, bytes, static_cast<std::size_t>(end - offset));
-    if (count > 0) {
-        disk->steps.push_back(
-            {.kind = DiskStep::Write,
-             .file = disk->files[inode],
-             .offset = static_cast<std::size_t>(offset),
-             .bytes = std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(count))});
-    }
+    if (count > 0)
+        disk->Note(inode, {.kind = DiskStep::Write,
+                           .offset = static_cast<std::size_t>(offset),
+                           .bytes = {static_cast<const char*>(bytes), static_cast<std::size_t>(count)}});
     return count;
 }
 
@@ -243,12 +216,7 @@ extern "C" int ftruncate(int file, off_t size) noexcept {
     REAL(ftruncate);
     if (!disk) return real(file, size);
     if (disk->Fails()) return -1;
-    const ino_t inode = InodeOf(file);
-    if (disk->Knows(inode)) {
-        disk->Shrink(inode, size);
-        disk->steps.push_back(
-            {.kind = DiskStep::Resize, .file = disk->files[inode], .size = static_cast<std::size_t>(size)});
-    }
+    if (const ino_t inode = InodeOf(file); disk->Knows(inode)) disk->Resize(inode, size);
     return real(file, size);
 }
 
@@ -256,12 +224,9 @@ extern "C" int posix_fallocate(int file, off_t offset, off_t size) {
     REAL(posix_fallocate);
     if (!disk) return real(file, offset, size);
     if (disk->Fails()) return errno;
-    const ino_t inode = InodeOf(file);
-    if (disk->Knows(inode)) {
+    if (const ino_t inode = InodeOf(file); disk->Knows(inode)) {
         if (disk->Grow(inode, offset + size) < offset + size) return ENOSPC;
-        disk->steps.push_back({.kind = DiskStep::Allocate,
-                               .file = disk->files[inode],
-                               .size = static_cast<std::size_t>(offset + size)});
+        disk->Note(inode, {.kind = DiskStep::Allocate, .size = static_cast<std::size_t>(offset + size)});
     }
     return real(file, offset, size);
 }
@@ -272,18 +237,16 @@ extern "C" int fsync(int file) {
     if (disk->Fails()) return LoseContent(file), -1;
     const ino_t inode = InodeOf(file);
     if (inode == disk->directoryInode) disk->steps.push_back({.kind = DiskStep::SyncDirectory});
-    if (disk->Knows(inode)) disk->steps.push_back({.kind = DiskStep::SyncFile, .file = disk->files[inode]});
+    if (disk->Knows(inode)) disk->Note(inode, {.kind = DiskStep::SyncFile});
     return 0;
 }
 
 extern "C" int close(int file) {
     REAL(close);
-    if (!disk) return real(file);
-    const bool fails = disk->Fails();
-    if (fails) LoseContent(file);
+    if (!disk || !disk->Fails()) return real(file);
+    LoseContent(file);
     const int error = errno;
-    const int result = real(file);
-    if (!fails) return result;
+    real(file);
     errno = error;
     return -1;
 }
@@ -292,13 +255,12 @@ extern "C" int renameat(int from, const char* name, int to, const char* newName)
     REAL(renameat);
     if (!disk) return real(from, name, to, newName);
     if (disk->Fails()) return -1;
-    const ino_t moved = InodeIn(from, name);
-    const ino_t replaced = InodeIn(to, newName);
+    const ino_t moved = InodeOf(from, name);
+    const ino_t replaced = InodeOf(to, newName);
     const int result = real(from, name, to, newName);
     if (result != 0 || !disk->Knows(moved)) return result;
     if (replaced != 0 && replaced != moved) disk->Remove(replaced);
-    disk->steps.push_back(
-        {.kind = DiskStep::Rename, .file = disk->files[moved], .name = name, .newName = newName});
+    disk->Note(moved, {.kind = DiskStep::Rename, .name = name, .newName = newName});
     return 0;
 }
 
@@ -306,10 +268,10 @@ extern "C" int unlinkat(int directory, const char* name, int flags) noexcept {
     REAL(unlinkat);
     if (!disk) return real(directory, name, flags);
     if (disk->Fails()) return -1;
-    const ino_t inode = InodeIn(directory, name);
+    const ino_t inode = InodeOf(directory, name);
     const int result = real(directory, name, flags);
     if (result != 0 || !disk->Knows(inode)) return result;
-    disk->steps.push_back({.kind = DiskStep::Unlink, .file = disk->files[inode], .name = name});
+    disk->Note(inode, {.kind = DiskStep::Unlink, .name = name});
     disk->Remove(inode);
     return 0;
 }
@@ -343,7 +305,7 @@ extern "C" int fstatvfs(int file, struct statvfs* status) noexcept {
     if (!disk) return real(file, status);
     if (disk->Fails()) return -1;
     const int result = real(file, status);
-    if (disk->room < varkel::test::unlimitedRoom)
+    if (disk->room < unlimitedRoom)
         status->f_bavail = static_cast<fsblkcnt_t>(std::max<std::int64_t>(disk->room, 0)) / status->f_frsize;
     return result;
 }

@@ -1,4 +1,4 @@
-// All stores on the real file system, and records to put into them.
+// All stores, in memory and on the real file system, and records to put into them.
 #pragma once
 
 #include <filesystem>
@@ -12,23 +12,18 @@
 #include "stores/isp_list.h"
 #include "stores/message_box.h"
 #include "stores/phone_book_file.h"
+#include "tests/support/memory_files.h"
 #include "tests/support/scratch.h"
+#include "tests/support/virtual_runtime.h"
 
 namespace varkel::test {
 
 // Message `number` of a sequence in which each differs from all others.
-inline SmsRecord Message(int number, SmsState state = SmsState::Unread) {
+inline SmsRecord Message(int number) {
     const std::string text =
         "message " + std::to_string(number) + " " + std::string(static_cast<std::size_t>(number % 100), 'x');
-    return MakeSmsRecord(SmsTimeFromStamp("0903071805"), std::to_string(13800138000 + number), text, state);
-}
-
-template <class Record>
-std::string BytesOf(const std::vector<Record>& list) {
-    return {reinterpret_cast<const char*>(list.data()), list.size() * sizeof(Record)};
-}
-inline std::string BytesOf(const MessageBox::List& list) {
-    return BytesOf<SmsRecord>(list);
+    return MakeSmsRecord(SmsTimeFromStamp("0903071805"), std::to_string(13800138000 + number), text,
+                         SmsState::Unread);
 }
 
 inline CallRecord Call(int number) {
@@ -49,15 +44,31 @@ inline ISP_Struct Isp(int number) {
     return isp;
 }
 
-// Messages `first` to `last`.
-inline MessageBox::List Messages(int first, int last) {
-    MessageBox::List list;
+template <class Record>
+std::string BytesOf(const std::vector<Record>& list) {
+    return {reinterpret_cast<const char*>(list.data()), list.size() * sizeof(Record)};
+}
+
+// The records `first` to `last`.
+template <class Record>
+std::vector<Record> Several(Record (*record)(int), int first, int last) {
+    std::vector<Record> list;
     for (int number = first; number <= last; ++number)
-        list.push_back(Message(number));
+        list.push_back(record(number));
     return list;
 }
 
-struct BoxesOnDisk {
+struct StoresInMemory {
+    VirtualRuntime runtime{1};
+    MemoryFiles files;
+    Log log{runtime, files};
+    MessageBoxes boxes{files, log};
+    CallLists calls{files, log};
+    PhoneBookFile phones{files, log};
+    IspList isps{files, log};
+};
+
+struct StoresOnDisk {
     ScratchDirectory scratch{"/dev/shm"};
     std::string directory = scratch / "flash/NandFlash/System/Phone";
     LinuxRuntime runtime;
@@ -68,7 +79,7 @@ struct BoxesOnDisk {
     PhoneBookFile phones{files, log};
     IspList isps{files, log};
 
-    BoxesOnDisk() { std::filesystem::create_directories(directory); }
+    StoresOnDisk() { std::filesystem::create_directories(directory); }
 
     // Makes these files all that the directory holds.
     void Put(const std::map<std::string, std::string>& content) const {
