@@ -1,13 +1,10 @@
 // What the user of the window waits for, and what the window takes. To be run on a message bus:
 //
 //     dbus-run-session -- build/release/bench/window_bench VARKEL-SIM VARKEL
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <fcntl.h>
 #include <thread>
-#include <vector>
 
+#include "bench/times.h"
 #include "platform/linux/child_process.h"
 #include "tests/platform/display_server.h"
 #include "tests/ui/gallery.h"
@@ -16,7 +13,6 @@ namespace {
 
 using namespace varkel;
 using namespace varkel::test;
-using Clock = std::chrono::steady_clock;
 
 // The window stands in the middle of the display. Both places have a colour of their own on their screens.
 constexpr Point OnGlass(Point at) {
@@ -30,25 +26,6 @@ constexpr Point inTheAcceptButton = OnGlass({176, 375});
     std::fprintf(stderr, "in vain: %s\n", what.c_str());
     std::exit(1);
 }
-
-class Times {
-  public:
-    template <class Work>
-    void Take(Work work) {
-        const auto start = Clock::now();
-        work();
-        m_times.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
-    }
-    void Report(const char* what) {
-        std::sort(m_times.begin(), m_times.end());
-        std::printf("%s: median %.2f ms, worst %.2f ms of %zu\n", what, m_times[m_times.size() / 2],
-                    m_times.back(), m_times.size());
-        std::fflush(stdout);
-    }
-
-  private:
-    std::vector<double> m_times;
-};
 
 // A program that is typed to, and read by lines.
 class Talk {
@@ -91,9 +68,9 @@ class Talk {
 
 template <class Holds>
 void AwaitGlass(const char* what, Holds holds) {
-    const auto limit = Clock::now() + std::chrono::seconds(20);
+    const auto limit = Times::Clock::now() + std::chrono::seconds(20);
     while (!holds()) {
-        if (Clock::now() > limit) Fail(what);
+        if (Times::Clock::now() > limit) Fail(what);
         std::this_thread::sleep_for(std::chrono::microseconds(300));
     }
 }
@@ -122,14 +99,9 @@ void Paint() {
 
 // Each program is ended at once, as it opens the modem.
 void Start(const DisplayServer& server, const std::string& program) {
-    Times offscreen, window, touchable;
+    Times window, touchable;
     const ColorRef nothing = server.PixelAt(inATile);
     for (int round = 0; round < 10; ++round) {
-        offscreen.Take([&] {
-            Talk talk(program + " --offscreen");
-            talk.Type("picture /dev/null");
-            talk.Await("[robot] picture");
-        });
         touchable.Take([&] {
             Talk talk(program);
             window.Take([&] { AwaitGlass("a frame", [&] { return server.PixelAt(inATile) != nothing; }); });
@@ -138,7 +110,6 @@ void Start(const DisplayServer& server, const std::string& program) {
         });
         AwaitGlass("an empty display", [&] { return server.PixelAt(inATile) == nothing; });
     }
-    offscreen.Report("start to the first picture, offscreen and saved");
     window.Report("start to the first frame on the glass");
     touchable.Report("start to a main screen that can be touched");
 }
@@ -173,10 +144,9 @@ int main(int argc, char** argv) {
     Paint();
     const DisplayServer server;
     const ScratchDirectory unit;
-    const std::string place = unit.Path();
-    Talk simulator(std::string(argv[1]) + " --quiet --unit-dir " + place + " --assets " VARKEL_ASSETS);
+    Talk simulator(std::string(argv[1]) + " --quiet --unit-dir " + unit.Path() + " --assets " VARKEL_ASSETS);
     simulator.Await("unit file");
-    const std::string program = std::string(argv[2]) + " --unit-file " + place + "/unit.conf";
+    const std::string program = std::string(argv[2]) + " --unit-file " + unit / "unit.conf";
     Start(server, program);
     Ring(server, program, simulator);
     return 0;
