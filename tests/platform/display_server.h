@@ -4,13 +4,12 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <optional>
 #include <string>
-#include <unistd.h>
 
 #include "platform/canvas.h"
 #include "platform/linux/child_process.h"
 #include "platform/text.h"
+#include "tests/platform/own_server.h"
 #include "tests/support/scratch.h"
 
 namespace varkel::test {
@@ -20,35 +19,13 @@ class DisplayServer {
   public:
     static constexpr Size size{1024, 768};
 
-    DisplayServer() {
-        int ends[2];
-        if (pipe(ends) != 0) std::abort();
-        const FileDescriptor ready(ends[0]);
-        FileDescriptor output(ends[1]);
-        // A test that crashes takes its server along.
-        m_server.emplace(
-            *ChildProcess::Start({"setpriv", "--pdeathsig", "KILL", "Xvfb", "-displayfd", "1", "-screen", "0",
-                                  "1024x768x24", "-nolisten", "tcp", "-fbdir", m_directory.Path()},
-                                 {.output = output.Get()}));
-        output.Reset();
-        // It writes its number, and ends the line, once it listens.
-        std::string number;
-        for (char digit = 0; digit != '\n'; number += digit) {
-            if (read(ready.Get(), &digit, 1) != 1) std::abort();
-        }
-        setenv("DISPLAY", (":" + std::string(Trimmed(number))).c_str(), 1);
-    }
+    DisplayServer() { setenv("DISPLAY", (":" + std::string(Trimmed(m_server.Line()))).c_str(), 1); }
     ~DisplayServer() {
         Stop();
         unsetenv("DISPLAY");
     }
 
-    void Stop() {
-        if (!m_server) return;
-        m_server->Kill();
-        m_server->Wait(forever);
-        m_server.reset();
-    }
+    void Stop() { m_server.Stop(); }
 
     // What stands on the glass: the file is the frame buffer itself, behind a header of numbers.
     ColorRef PixelAt(Point at) const {
@@ -79,7 +56,8 @@ class DisplayServer {
 
   private:
     ScratchDirectory m_directory;
-    std::optional<ChildProcess> m_server;
+    OwnServer m_server{{"Xvfb", "-displayfd", "1", "-screen", "0", "1024x768x24", "-nolisten", "tcp",
+                        "-fbdir", m_directory.Path()}};
 };
 
 }  // namespace varkel::test

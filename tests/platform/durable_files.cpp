@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <map>
 #include <mutex>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
@@ -21,50 +20,27 @@ namespace fs = std::filesystem;
 
 std::recursive_mutex mutex;
 fs::path watched;
-fs::path target;
 std::function<void()> onSync;
 bool failing = false;
-std::map<ino_t, fs::path> mirrored;  // what a synced file is called in the mirror
-
-ino_t Inode(const fs::path& path) {
-    struct stat status {};
-    return lstat(path.c_str(), &status) == 0 ? status.st_ino : 0;
-}
-
-// The directory's names as they are now, for the files that have been synced.
-void MirrorNames() {
-    std::map<ino_t, fs::path> present;
-    for (const auto& entry : fs::directory_iterator(watched)) {
-        const ino_t inode = Inode(entry);
-        if (!mirrored.contains(inode)) continue;
-        fs::rename(target / mirrored[inode], target / entry.path().filename());
-        present[inode] = entry.path().filename();
-    }
-    mirrored = present;
-    for (const auto& entry : fs::directory_iterator(target)) {
-        if (!fs::exists(watched / entry.path().filename())) fs::remove(entry);
-    }
-}
+std::map<fs::path, std::string> synced;
 
 // False when the sync is to fail.
-bool Mirror(int file) {
+bool Keep(int file) {
     std::lock_guard lock(mutex);
-    std::error_code error;
-    const fs::path path = fs::read_symlink("/proc/self/fd/" + std::to_string(file), error);
     if (watched.empty()) return true;
     if (failing) {
         errno = EIO;
         return false;
     }
-    if (path == watched) MirrorNames();
+    std::error_code error;
+    const fs::path path = fs::read_symlink("/proc/self/fd/" + std::to_string(file), error);
     if (path.parent_path() != watched) return true;
     // What it does is not watched.
     if (const auto call = std::exchange(onSync, {})) {
         call();
         onSync = call;
     }
-    const auto known = mirrored.try_emplace(Inode(path), path.filename()).first;
-    fs::copy_file(path, target / known->second, fs::copy_options::overwrite_existing, error);
+    synced[path.filename()] = FileContent(path);
     return true;
 }
 
@@ -81,12 +57,10 @@ std::string Torn(const std::string& before, const std::string& now, std::mt19937
 
 }  // namespace
 
-DurableFiles::DurableFiles(const std::string& directory, const std::string& mirror,
-                           std::function<void()> beforeSync) {
+DurableFiles::DurableFiles(const std::string& directory, std::function<void()> beforeSync) {
     std::lock_guard lock(mutex);
     watched = directory;
-    target = mirror;
-    mirrored.clear();
+    synced.clear();
     onSync = std::move(beforeSync);
     failing = false;
 }
@@ -97,14 +71,13 @@ DurableFiles::~DurableFiles() {
     onSync = {};
 }
 
-void DurableFiles::CutPower(const std::string& left, std::mt19937_64& random) {
+void DurableFiles::CutPower(const std::string& target, std::mt19937_64& random) {
     std::lock_guard lock(mutex);
-    fs::remove_all(left);
-    fs::create_directory(left);
+    fs::remove_all(target);
+    fs::create_directory(target);
     for (const auto& entry : fs::directory_iterator(watched)) {
         const fs::path name = entry.path().filename();
-        const std::string before = fs::exists(target / name) ? FileContent(target / name) : "";
-        WriteFile(fs::path(left) / name, Torn(before, FileContent(entry.path()), random));
+        WriteFile(target / name, Torn(synced[name], FileContent(entry.path()), random));
     }
 }
 
@@ -116,9 +89,9 @@ void DurableFiles::FailSyncs(bool fail) {
 }  // namespace varkel::test
 
 extern "C" int fsync(int file) {
-    return varkel::test::Mirror(file) ? static_cast<int>(syscall(SYS_fsync, file)) : -1;
+    return varkel::test::Keep(file) ? static_cast<int>(syscall(SYS_fsync, file)) : -1;
 }
 
 extern "C" int fdatasync(int file) {
-    return varkel::test::Mirror(file) ? static_cast<int>(syscall(SYS_fdatasync, file)) : -1;
+    return varkel::test::Keep(file) ? static_cast<int>(syscall(SYS_fdatasync, file)) : -1;
 }

@@ -2,11 +2,9 @@
 
 #include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <mutex>
-#include <vector>
 
-#include "platform/linux/linux_runtime.h"
+#include "tests/platform/dialog_fixture.h"
+#include "tests/platform/problem_list.h"
 #include "tests/support/code_pages.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/scratch.h"
@@ -18,7 +16,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // The program is a script of the test's own, alone on the PATH.
-class EspeakSpeechTest : public testing::Test {
+class EspeakSpeechTest : public test::DialogFixture {
   protected:
     EspeakSpeechTest() { setenv("PATH", scratch.Path().c_str(), 1); }
     ~EspeakSpeechTest() override {
@@ -37,22 +35,18 @@ class EspeakSpeechTest : public testing::Test {
     void Start(std::string_view language = "english",
                std::chrono::milliseconds longest = std::chrono::minutes(1)) {
         m_language = std::make_unique<Language>(files, language);
-        speech = std::make_unique<EspeakSpeech>(
-            runtime, *m_language, test::CodePageNamed("GB18030"),
-            [this](std::string_view problem) {
-                std::lock_guard lock(mutex);
-                problems.emplace_back(problem);
-            },
-            longest);
+        speech = std::make_unique<EspeakSpeech>(runtime, *m_language, test::CodePageNamed("GB18030"),
+                                                problems.Sink(), longest);
         EXPECT_EQ(speech->jceInit("cn", "en"), 0);
     }
     void Play(std::string_view narrow) { speech->jcePlay(narrow, WindowHandle::None); }
-
-    bool Until(const std::function<bool()>& holds) {
-        for (int i = 0; i < 1000 && !holds(); ++i)
-            runtime.Sleep(10);
-        return holds();
+    bool Hears(const std::string& voice, const std::string& text) {
+        return ServeUntil([&] { return Heard() == "-v " + voice + " -b 1 --stdin\n" + text; });
     }
+    bool EndsAlone() {
+        return ServeUntil([this] { return NoChildren(); });
+    }
+
     std::string Heard() { return test::FileContent(scratch / "heard"); }
     bool NoChildren() {
         const auto task = std::filesystem::directory_iterator("/proc/self/task");
@@ -60,17 +54,11 @@ class EspeakSpeechTest : public testing::Test {
             return test::FileContent(thread.path() / "children").empty();
         });
     }
-    std::vector<std::string> Problems() {
-        std::lock_guard lock(mutex);
-        return problems;
-    }
 
     test::ScratchDirectory scratch;
     const std::string path = getenv("PATH");
-    LinuxRuntime runtime;
     test::MemoryFiles files;
-    std::mutex mutex;
-    std::vector<std::string> problems;
+    test::ProblemList problems;
     std::unique_ptr<EspeakSpeech> speech;
 
   private:
@@ -84,7 +72,6 @@ constexpr std::string_view listens =
 TEST_F(EspeakSpeechTest, HandsOverTheTextAndNothingElse) {
     Install(listens);
     Start("portugal");
-    const std::string order = "-v pt -b 1 --stdin\n";
     const std::pair<std::string, std::string> texts[] = {
         {"Settings", "Settings"},
         {"--help", "--help"},
@@ -97,21 +84,19 @@ TEST_F(EspeakSpeechTest, HandsOverTheTextAndNothingElse) {
     };
     const auto descriptors = test::OpenDescriptors();
     for (const auto& [text, heard] : texts) {
-        const std::string wanted = order + heard;
         Play(text);
-        EXPECT_TRUE(Until([&] { return Heard() == wanted; })) << wanted << "\n" << Heard();
+        EXPECT_TRUE(Hears("pt", heard)) << heard << "\n" << Heard();
     }
-    EXPECT_TRUE(Until([this] { return NoChildren(); })) << "collected";
+    EXPECT_TRUE(EndsAlone()) << "collected";
     EXPECT_EQ(test::OpenDescriptors(), descriptors);
     EXPECT_FALSE(std::filesystem::exists(scratch / "hurt"));
-    EXPECT_THAT(Problems(), IsEmpty());
+    EXPECT_THAT(problems.All(), IsEmpty());
     const char* const voices[][2] = {{"english", "en"}, {"chinese", "cmn"}, {"tchinese", "cmn"},
                                      {"arabic", "ar"},  {"russian", "ru"},  {"klingon", "en"}};
     for (const auto& [language, voice] : voices) {
-        const std::string wanted = "-v " + std::string(voice) + " -b 1 --stdin\nx";
         Start(language);
         Play("x");
-        EXPECT_TRUE(Until([&] { return Heard() == wanted; })) << voice;
+        EXPECT_TRUE(Hears(voice, "x")) << voice;
     }
 }
 
@@ -122,46 +107,47 @@ TEST_F(EspeakSpeechTest, EndsOneTextForTheNext) {
     for (int i = 0; i < 20; ++i)
         Play("a text that lasts");
     EXPECT_LT(TicksSince(runtime.GetTickCount(), before), 1000u) << "the caller waits for nothing";
-    EXPECT_TRUE(Until([this] { return !test::FileContent(scratch / "began").empty(); }));
+    EXPECT_TRUE(ServeUntil([this] { return !test::FileContent(scratch / "began").empty(); }));
     Install(listens);
     Play("the next one");
-    EXPECT_TRUE(Until([this] { return Heard() == "-v en -b 1 --stdin\nthe next one"; }));
-    EXPECT_TRUE(Until([this] { return NoChildren(); }));
+    EXPECT_TRUE(Hears("en", "the next one"));
+    EXPECT_TRUE(EndsAlone());
 
     Install("touch sleeps; sleep 1000\n");
     Play("one that does not even read");
-    EXPECT_TRUE(Until([this] { return std::filesystem::exists(scratch / "sleeps"); }));
+    EXPECT_TRUE(ServeUntil([this] { return std::filesystem::exists(scratch / "sleeps"); }));
     speech->jceStop();
-    EXPECT_TRUE(Until([this] { return NoChildren(); }));
+    EXPECT_TRUE(EndsAlone());
     Play("and one at the end");
     speech.reset();
     EXPECT_TRUE(NoChildren());
-    EXPECT_THAT(Problems(), IsEmpty());
+    EXPECT_THAT(problems.All(), IsEmpty());
 }
 
 TEST_F(EspeakSpeechTest, ReportsOnceThatThereIsNoSpeech) {
     Start();
     Play("x");
     Play("x");
-    EXPECT_TRUE(Until([this] { return !Problems().empty(); }));
+    EXPECT_TRUE(ServeUntil([this] { return !problems.All().empty(); }));
     Install("exit 3\n");
     Play("x");
     Install(listens);
     Play("works");
-    EXPECT_TRUE(Until([this] { return !Heard().empty() && NoChildren(); })) << "tried again with each text";
-    EXPECT_THAT(Problems(), ElementsAre("no speech: espeak-ng cannot be started"));
+    EXPECT_TRUE(ServeUntil([this] { return !Heard().empty() && NoChildren(); }))
+        << "tried again with each text";
+    EXPECT_THAT(problems.All(), ElementsAre("no speech: espeak-ng cannot be started"));
     Install("exit 3\n");
     Play("x");
-    EXPECT_TRUE(Until([this] { return Problems().size() == 2; }));
-    EXPECT_EQ(Problems().back(), "no speech: espeak-ng has ended with 3");
+    EXPECT_TRUE(ServeUntil([this] { return problems.All().size() == 2; }));
+    EXPECT_EQ(problems.All().back(), "no speech: espeak-ng has ended with 3");
 }
 
 TEST_F(EspeakSpeechTest, EndsAProgramThatHangs) {
     Install("sleep 1000\n");
     Start("english", std::chrono::milliseconds(50));
     Play("x");
-    EXPECT_TRUE(Until([this] { return !Problems().empty() && NoChildren(); }));
-    EXPECT_THAT(Problems(), ElementsAre("no speech: espeak-ng does not end"));
+    EXPECT_TRUE(ServeUntil([this] { return !problems.All().empty() && NoChildren(); }));
+    EXPECT_THAT(problems.All(), ElementsAre("no speech: espeak-ng does not end"));
 }
 
 }  // namespace

@@ -6,11 +6,13 @@
 
 #include "platform/linux/pppd_language.h"
 #include "tests/platform/dialog_fixture.h"
+#include "tests/platform/problem_list.h"
 #include "tests/support/scratch.h"
 
 namespace varkel {
 namespace {
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -33,18 +35,14 @@ constexpr std::string_view connects =
 // The program is a script of the test's own.
 class PppdDialUpTest : public test::DialogFixture {
   protected:
+    PppdDialUpTest() { Make(); }
+
     void Install(std::string_view script) {
         test::WriteFile(program, "#!/bin/sh\ncd " + scratch.Path() + "\n" + std::string(script));
         chmod(program.c_str(), 0700);
     }
     void Make(std::chrono::milliseconds patience = std::chrono::seconds(20)) {
-        dialUp = std::make_unique<PppdDialUp>(
-            runtime, loop, std::vector{program},
-            [this](std::string_view problem) {
-                const std::lock_guard lock(mutex);
-                problems.emplace_back(problem);
-            },
-            patience);
+        dialUp = std::make_unique<PppdDialUp>(runtime, loop, std::vector{program}, problems.Sink(), patience);
     }
     RasError Dial(const RasDialParams& params = {"connet", "", ""}) {
         states.clear();
@@ -55,11 +53,15 @@ class PppdDialUpTest : public test::DialogFixture {
         return ServeUntil([this, state] { return !states.empty() && states.back() == state; });
     }
     bool Exists(std::string_view name) { return std::filesystem::exists(scratch / name); }
+    std::string Content(std::string_view name) { return test::FileContent(scratch / name); }
+    bool HelperEnds() {
+        const auto helper = static_cast<pid_t>(std::stol(Content("helper")));
+        return ServeUntil([helper] { return kill(helper, 0) != 0; });
+    }
 
     test::ScratchDirectory scratch;
     const std::string program = scratch / "pppd";
-    std::mutex mutex;
-    std::vector<std::string> problems;
+    test::ProblemList problems;
     States states;
     RasHandle handle = RasHandle::None;
     std::unique_ptr<PppdDialUp> dialUp;
@@ -91,26 +93,23 @@ TEST_F(PppdDialUpTest, TellsHowFarItIsAndWhyItEnded) {
          {open, device, connected, gone},
          "dial-up: the other end has closed the link (0); it said last: remote IP address $(reboot)"},
     };
-    Make();
     const auto descriptors = test::OpenDescriptors();
     for (const Case& each : cases) {
         Install(each.script);
         ASSERT_EQ(Dial({"connet", "", "top secret"}), RasError::None);
         EXPECT_TRUE(Reached(gone)) << each.problem;
         EXPECT_EQ(states, each.states) << each.problem;
-        EXPECT_EQ(problems, std::vector{each.problem});
+        EXPECT_EQ(problems.All(), std::vector{each.problem});
         EXPECT_EQ(dialUp->PeerAddress(handle), "");
         dialUp->RasHangUp(handle);
-        problems.clear();
+        problems.Clear();
     }
     dialUp.reset();
     EXPECT_LE(test::OpenDescriptors(), descriptors);
-    const auto helper = static_cast<pid_t>(std::stol(test::FileContent(scratch / "helper")));
-    EXPECT_TRUE(ServeUntil([helper] { return kill(helper, 0) != 0; })) << "it leaves nobody behind";
+    EXPECT_TRUE(HelperEnds()) << "it leaves nobody behind";
 }
 
 TEST_F(PppdDialUpTest, HangsUpAndLeavesNobodyBehind) {
-    Make();
     Install(std::string(connects) +
             "trap 'touch asked; exit 5' TERM\n"
             "(trap '' TERM; exec sleep 1000) & echo $! >helper; touch ready; wait\n");
@@ -130,12 +129,11 @@ TEST_F(PppdDialUpTest, HangsUpAndLeavesNobodyBehind) {
     EXPECT_TRUE(Exists("asked"));
     EXPECT_EQ(states.back(), connected) << "who hangs up needs not be told";
     EXPECT_EQ(dialUp->PeerAddress(first), "");
-    const auto helper = static_cast<pid_t>(std::stol(test::FileContent(scratch / "helper")));
-    EXPECT_TRUE(ServeUntil([helper] { return kill(helper, 0) != 0; })) << "the whole group ends";
-    EXPECT_THAT(problems, IsEmpty());
+    EXPECT_TRUE(HelperEnds()) << "the whole group ends";
+    EXPECT_THAT(problems.All(), IsEmpty());
 
-    std::filesystem::remove(scratch / "asked");
-    std::filesystem::remove(scratch / "ready");
+    for (const char* const name : {"asked", "ready"})
+        std::filesystem::remove(scratch / name);
     ASSERT_EQ(Dial(), RasError::None);
     EXPECT_NE(handle, first);
     ASSERT_TRUE(ServeUntil([this] { return Exists("ready"); }));
@@ -149,27 +147,22 @@ TEST_F(PppdDialUpTest, KillsWhatDoesNotEnd) {
     ASSERT_EQ(Dial(), RasError::None);
     ASSERT_TRUE(Reached(connected));
     dialUp->RasHangUp(handle);
-    EXPECT_THAT(problems, ElementsAre("dial-up: pppd did not end when asked to and was killed"));
+    EXPECT_THAT(problems.All(), ElementsAre("dial-up: pppd did not end when asked to and was killed"));
 }
 
 TEST_F(PppdDialUpTest, PassesUserAndPasswordInMemoryOnly) {
-    Make();
     Install(
         "echo $* >arguments; cat \"$8\" >options; tr '\\0' ' ' </proc/$$/cmdline >visible\n"
         "tr '\\0' ' ' </proc/$$/environ >>visible; stat -L -c %a /proc/$$/fd/0 >mode; exit 8\n");
     ASSERT_EQ(Dial({"connet", "o'n\"e\\ #1", "Pa ss#\\\"w\xC3\xB6rd"}), RasError::None);
     ASSERT_TRUE(Reached(gone));
-    EXPECT_EQ(test::FileContent(scratch / "arguments"),
-              "call connet nodetach nopersist logfd 1 file /dev/stdin\n");
-    EXPECT_EQ(test::FileContent(scratch / "options"),
-              "user \"o'n\\\"e\\\\ #1\"\npassword \"Pa ss#\\\\\\\"w\xC3\xB6rd\"\n");
-    EXPECT_THAT(test::FileContent(scratch / "visible"), HasSubstr("connet"));
-    EXPECT_THAT(test::FileContent(scratch / "visible"), Not(HasSubstr("Pa ss")));
-    EXPECT_EQ(test::FileContent(scratch / "mode"), "600\n");
+    EXPECT_EQ(Content("arguments"), "call connet nodetach nopersist logfd 1 file /dev/stdin\n");
+    EXPECT_EQ(Content("options"), "user \"o'n\\\"e\\\\ #1\"\npassword \"Pa ss#\\\\\\\"w\xC3\xB6rd\"\n");
+    EXPECT_THAT(Content("visible"), AllOf(HasSubstr("connet"), Not(HasSubstr("Pa ss"))));
+    EXPECT_EQ(Content("mode"), "600\n");
 }
 
 TEST_F(PppdDialUpTest, RefusesWhatCannotBeDialled) {
-    Make();
     Install("exit 0\n");
     const std::string tooLong(256, 'x');
     const RasDialParams refused[] = {{"connet", "line\nend", ""},
@@ -182,10 +175,10 @@ TEST_F(PppdDialUpTest, RefusesWhatCannotBeDialled) {
                                      {"a\tb", "", ""}};
     for (const RasDialParams& params : refused)
         EXPECT_EQ(Dial(params), RasError::CannotDial) << params.entryName << params.userName;
-    EXPECT_EQ(problems.size(), std::size(refused));
+    EXPECT_EQ(problems.All().size(), std::size(refused));
     std::filesystem::remove(program);
     EXPECT_EQ(Dial(), RasError::CannotDial);
-    EXPECT_EQ(problems.back(), "dial-up: " + program + " cannot be started");
+    EXPECT_EQ(problems.All().back(), "dial-up: " + program + " cannot be started");
     ServePosted();
     EXPECT_EQ(handle, RasHandle::None);
     EXPECT_THAT(states, IsEmpty());

@@ -2,10 +2,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <mutex>
 
 #include "tests/platform/dialog_fixture.h"
 #include "tests/platform/display_server.h"
+#include "tests/platform/problem_list.h"
+#include "tests/platform/thread_watch.h"
 #include "tests/support/memory_files.h"
 
 namespace varkel {
@@ -18,22 +19,19 @@ constexpr Point corner{112, 144};  // of the window, in the middle of the server
 class SdlDisplayTest : public test::DialogFixture {
   protected:
     void Open(bool fullScreen) {
-        display = SdlDisplay::Create(runtime, loop, files, Options(fullScreen));
+        display = SdlDisplay::Create(runtime, loop, files, {fullScreen, problems.Sink()});
         ASSERT_TRUE(display);
         display->SetClient({.onPaint =
                                 [this](Canvas& canvas, const Rect&) {
                                     canvas.FillRect({0, 0, 800, 480}, color);
                                 },
                             .onTouch = [this](const TouchEvent& touch) { touches.push_back(touch); },
-                            .onKey = [this](const KeyEvent& key) { keys += key.text + "/"; }});
+                            .onKey =
+                                [this](const KeyEvent& key) {
+                                    keys += std::to_string(static_cast<int>(key.code)) + key.text + "/";
+                                }});
         display->SetWindowText("3Gwindow");
         display->ShowWindow(true);
-    }
-    SdlDisplayOptions Options(bool fullScreen) {
-        return {fullScreen, [this](std::string_view problem) {
-                    std::lock_guard lock(mutex);
-                    problems.emplace_back(problem);
-                }};
     }
     bool Shows(Point at, ColorRef wanted) {
         return ServeUntil([&] { return server.PixelAt({corner.x + at.x, corner.y + at.y}) == wanted; });
@@ -44,18 +42,13 @@ class SdlDisplayTest : public test::DialogFixture {
                 touches, [&](const TouchEvent& touch) { return touch.action == action && touch.at == at; });
         });
     }
-    std::vector<std::string> Problems() {
-        std::lock_guard lock(mutex);
-        return problems;
-    }
 
     test::DisplayServer server;
     test::MemoryFiles files;
     ColorRef color = Rgb(255, 0, 0);
     std::vector<TouchEvent> touches;
     std::string keys;
-    std::mutex mutex;
-    std::vector<std::string> problems;
+    test::ProblemList problems;
     std::unique_ptr<SdlDisplay> display;  // ends before what its thread uses
 };
 
@@ -75,8 +68,8 @@ TEST_F(SdlDisplayTest, ShowsWhatIsPaintedAndHearsWhatIsTouched) {
     EXPECT_EQ(display->GetCursorPos(), (Point{-100, -100}));
     EXPECT_TRUE(server.Do({"mouseup", "1"}));
     EXPECT_TRUE(Heard(TouchAction::Up, {-100, -100}));
-    EXPECT_TRUE(server.Do({"mousemove", "412", "244", "key", "a", "Return", "7"}));
-    EXPECT_TRUE(ServeUntil([&] { return keys == "a//7/"; })) << keys;
+    EXPECT_TRUE(server.Do({"mousemove", "412", "244", "key", "a", "Return", "BackSpace", "7"}));
+    EXPECT_TRUE(ServeUntil([&] { return keys == "0a/13/8/07/"; })) << keys;
 
     display->ShowWindow(false);
     EXPECT_TRUE(Shows({50, 50}, 0));
@@ -84,7 +77,7 @@ TEST_F(SdlDisplayTest, ShowsWhatIsPaintedAndHearsWhatIsTouched) {
     display->InvalidateRect({0, 0, 800, 480});
     display->ShowWindow(true);
     EXPECT_TRUE(Shows({50, 50}, color));
-    EXPECT_EQ(Problems(), std::vector<std::string>());
+    EXPECT_EQ(problems.All(), std::vector<std::string>());
 }
 
 TEST_F(SdlDisplayTest, StandsInTheMiddleOfALargerPanel) {
@@ -95,36 +88,23 @@ TEST_F(SdlDisplayTest, StandsInTheMiddleOfALargerPanel) {
     EXPECT_TRUE(Heard(TouchAction::Up, {0, 0}));
 }
 
-// Voluntary switches of the thread so far: each is a sleep, and so a wake-up.
-long WakeUps(const std::string& thread) {
-    long switches = -1;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        if (test::FileContent(task.path() / "comm") != thread + "\n") continue;
-        std::ifstream status(task.path() / "status");
-        for (std::string word; status >> word;) {
-            if (word == "voluntary_ctxt_switches:") status >> switches;
-        }
-    }
-    return switches;
-}
-
 TEST_F(SdlDisplayTest, SleepsWhileNothingHappens) {
     Open(false);
     EXPECT_TRUE(Shows({799, 479}, color));
     const auto quiet = [] {
-        const long before = WakeUps("display");
+        const long before = test::WakeUpsOf("display");
         usleep(200'000);
-        return before > 0 && WakeUps("display") == before;
+        return before > 0 && test::WakeUpsOf("display") == before;
     };
     EXPECT_TRUE(quiet() || quiet() || quiet());
 }
 
 TEST_F(SdlDisplayTest, SaysWhyThereIsNoWindow) {
     server.Stop();
-    EXPECT_FALSE(SdlDisplay::Create(runtime, loop, files, Options(false)));
-    ASSERT_EQ(Problems().size(), 1u);
-    EXPECT_EQ(Problems()[0].substr(0, 11), "no window: ");
-    EXPECT_GT(Problems()[0].size(), 15u);
+    EXPECT_FALSE(SdlDisplay::Create(runtime, loop, files, {false, problems.Sink()}));
+    ASSERT_EQ(problems.All().size(), 1u);
+    EXPECT_EQ(problems.All()[0].substr(0, 11), "no window: ");
+    EXPECT_GT(problems.All()[0].size(), 15u);
 }
 
 // The last one, because SDL keeps the lost connection.
@@ -132,8 +112,8 @@ TEST_F(SdlDisplayTest, OutlivesTheServer) {
     Open(false);
     EXPECT_TRUE(Shows({799, 479}, color));
     server.Stop();
-    EXPECT_TRUE(ServeUntil([&] { return !Problems().empty(); }));
-    EXPECT_THAT(Problems(), Contains("the display server has gone"));
+    EXPECT_TRUE(ServeUntil([&] { return !problems.All().empty(); }));
+    EXPECT_THAT(problems.All(), Contains("the display server has gone"));
     display->InvalidateRect({0, 0, 800, 480});
     display->UpdateWindow();
     display->ShowWindow(false);

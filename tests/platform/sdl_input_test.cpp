@@ -17,8 +17,6 @@ class SdlInputTest : public test::DialogFixture {
             if (const auto* const touch = std::get_if<TouchEvent>(&event)) {
                 heard.push_back("DMU"[static_cast<int>(touch->action)] + std::to_string(touch->at.x) + "," +
                                 std::to_string(touch->at.y));
-            } else if (const auto* const key = std::get_if<KeyEvent>(&event)) {
-                heard.push_back("key " + std::to_string(static_cast<int>(key->code)) + key->text);
             }
         });
     }
@@ -102,21 +100,6 @@ TEST_F(SdlInputTest, CountsFromTheCornerOfTheScreen) {
     Finger(SDL_FINGERDOWN, 1, 0.5f, 0.5f);
     Finger(SDL_FINGERUP, 1, 0.0f, 0.0f);
     EXPECT_THAT(Heard(), ElementsAre("M0,0", "D400,240", "U-112,-60"));
-}
-
-TEST_F(SdlInputTest, TellsKeysAndTextsApart) {
-    for (const SDL_Keycode key : {SDLK_RETURN, SDLK_a, SDLK_BACKSPACE, SDLK_SLEEP}) {
-        SDL_Event event{};
-        event.type = SDL_KEYDOWN;
-        event.key.keysym.sym = key;
-        input.Handle(event);
-    }
-    SDL_Event text{};
-    text.type = SDL_TEXTINPUT;
-    SDL_strlcpy(text.text.text, "ж", sizeof text.text.text);
-    input.Handle(text);
-    ServeUntil([this] { return heard.size() == 4; });
-    EXPECT_THAT(Heard(), ElementsAre("key 13", "key 8", "key 95", "key 0ж"));
 }
 
 }  // namespace

@@ -2,14 +2,14 @@
 
 #include <csignal>
 #include <cstdint>
-#include <gtest/gtest.h>
-#include <mutex>
 #include <thread>
 #include <vector>
 
-#include "platform/linux/linux_runtime.h"
 #include "platform/linux/wav_sound.h"
+#include "tests/platform/dialog_fixture.h"
 #include "tests/platform/pictures.h"
+#include "tests/platform/problem_list.h"
+#include "tests/platform/thread_watch.h"
 #include "tests/support/memory_files.h"
 #include "tests/support/scratch.h"
 
@@ -40,27 +40,8 @@ std::string Samples(std::uint16_t value, std::size_t count) {
     return samples;
 }
 
-// How many threads this program has, and how often the one that plays has waited.
-struct Threads {
-    int count = 0;
-    long soundWaits = 0;
-};
-
-Threads Look() {
-    Threads threads;
-    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
-        ++threads.count;
-        if (test::FileContent(thread.path() / "comm") != "sound\n") continue;
-        std::ifstream status(thread.path() / "status");
-        for (std::string word; status >> word;) {
-            if (word == "voluntary_ctxt_switches:") status >> threads.soundWaits;
-        }
-    }
-    return threads;
-}
-
 // The sound server is a file; the device is SDL's "disk" with a millisecond for each buffer of 46.
-class SdlSoundTest : public testing::Test {
+class SdlSoundTest : public test::DialogFixture {
   protected:
     SdlSoundTest() {
         UseDriver("disk");
@@ -73,42 +54,28 @@ class SdlSoundTest : public testing::Test {
 
     static void UseDriver(const char* name) { setenv("SDL_AUDIODRIVER", name, 1); }
 
-    bool Until(const std::function<bool()>& holds) {
-        for (int i = 0; i < 1000 && !holds(); ++i)
-            runtime.Sleep(10);
-        return holds();
-    }
     // Only the sound thread is there, and it waits.
     bool Quiet() {
-        return Until([this] { return Look().count == threads; });
+        return ServeUntil([this] { return test::ThreadCount() == threads; });
     }
     std::size_t Heard(char byte) const {
         const std::string content = test::FileContent(output);
         return static_cast<std::size_t>(std::count(content.begin(), content.end(), byte)) / 2;
     }
-    std::vector<std::string> Problems() {
-        std::lock_guard lock(mutex);
-        return problems;
-    }
 
     test::ScratchDirectory scratch;
     const std::string output = scratch / "heard";
-    LinuxRuntime runtime;
     test::MemoryFiles files;
-    std::mutex mutex;
-    std::vector<std::string> problems;
-    SdlSound sound{runtime, files, [this](std::string_view problem) {
-                       std::lock_guard lock(mutex);
-                       problems.emplace_back(problem);
-                   }};
-    const int threads = Look().count;
+    test::ProblemList problems;
+    SdlSound sound{runtime, files, problems.Sink()};
+    const std::ptrdiff_t threads = test::ThreadCount();
 };
 
 TEST_F(SdlSoundTest, PlaysAFileOnceAndSleepsAgain) {
     struct sigaction before {};
     sigaction(SIGINT, nullptr, &before);
     EXPECT_TRUE(sound.PlaySound("short", SoundMode::Once));
-    EXPECT_TRUE(Until([&] { return Heard(0x11) == 2205; }));
+    EXPECT_TRUE(ServeUntil([&] { return Heard(0x11) == 2205; }));
     EXPECT_TRUE(Quiet());
     const std::string content = test::FileContent(output);
     EXPECT_TRUE(content.find(Samples(0x1111, 2205)) != std::string::npos) << "in one piece";
@@ -117,23 +84,23 @@ TEST_F(SdlSoundTest, PlaysAFileOnceAndSleepsAgain) {
     sigaction(SIGINT, nullptr, &after);
     EXPECT_EQ(after.sa_handler, before.sa_handler);
 
-    const long waits = Look().soundWaits;
+    const long waits = test::WakeUpsOf("sound");
     EXPECT_GT(waits, 0);
     runtime.Sleep(300);
-    EXPECT_EQ(Look().soundWaits, waits) << "no wake-up";
-    EXPECT_EQ(Problems(), std::vector<std::string>());
+    EXPECT_EQ(test::WakeUpsOf("sound"), waits) << "no wake-up";
+    EXPECT_EQ(problems.All(), std::vector<std::string>());
 }
 
 TEST_F(SdlSoundTest, RepeatsUntilAnotherSoundOrSilenceTakesItsPlace) {
     EXPECT_TRUE(sound.PlaySound("short", SoundMode::Loop));
-    EXPECT_TRUE(Until([&] { return Heard(0x11) > 30'000; })) << "lap after lap";
+    EXPECT_TRUE(ServeUntil([&] { return Heard(0x11) > 30'000; })) << "lap after lap";
     EXPECT_TRUE(sound.PlaySound("long", SoundMode::Once));
-    EXPECT_TRUE(Until([&] { return Heard(0x22) == 6615; }));
+    EXPECT_TRUE(ServeUntil([&] { return Heard(0x22) == 6615; }));
     EXPECT_TRUE(Quiet());
     const std::string content = test::FileContent(output);
     EXPECT_EQ(content.find('\x11', content.find('\x22')), std::string::npos) << "the first has ended";
     EXPECT_TRUE(sound.PlaySound("long", SoundMode::Loop));
-    EXPECT_TRUE(Until([&] { return Heard(0x22) > 6615; }));
+    EXPECT_TRUE(ServeUntil([&] { return Heard(0x22) > 6615; }));
     EXPECT_TRUE(sound.PlaySound("", SoundMode::Once));
     EXPECT_TRUE(Quiet()) << "an empty path ends it";
     EXPECT_TRUE(sound.PlaySound("", SoundMode::Loop)) << "nothing plays, and that is well";
@@ -144,9 +111,9 @@ TEST_F(SdlSoundTest, OpensTheDeviceAnewForAnotherKindOfSamples) {
     files.WriteWhole("bytes", Wav(std::string(4000, '\x44'), {.rate = 8000, .bits = 8}));
     for (const char* const name : {"short", "stereo", "bytes"}) {
         EXPECT_TRUE(sound.PlaySound(name, SoundMode::Once));
-        EXPECT_TRUE(Until([&] { return Look().count > threads; })) << name;
+        EXPECT_TRUE(ServeUntil([&] { return test::ThreadCount() > threads; })) << name;
     }
-    EXPECT_TRUE(Until([&] { return Heard(0x44) == 2000; }));
+    EXPECT_TRUE(ServeUntil([&] { return Heard(0x44) == 2000; }));
     EXPECT_TRUE(Quiet());
 }
 
@@ -189,27 +156,27 @@ TEST_F(SdlSoundTest, IsSilentForFilesThatAreNoSound) {
     }
     EXPECT_TRUE(ReadWav(Wav(std::string(30 * 8000, 'x'), {.rate = 8000, .bits = 8}))) << "30 seconds";
     EXPECT_TRUE(Quiet());
-    EXPECT_EQ(Problems(), std::vector<std::string>());
+    EXPECT_EQ(problems.All(), std::vector<std::string>());
 }
 
 TEST_F(SdlSoundTest, SaysOnceThatThereIsNoDeviceAndTriesAgain) {
     UseDriver("no such driver");
     EXPECT_TRUE(sound.PlaySound("short", SoundMode::Once));
-    EXPECT_TRUE(Until([&] { return !Problems().empty(); }));
-    EXPECT_EQ(Problems().front().substr(0, 10), "no sound: ");
+    EXPECT_TRUE(ServeUntil([&] { return !problems.All().empty(); }));
+    EXPECT_EQ(problems.All().front().substr(0, 10), "no sound: ");
     EXPECT_TRUE(sound.PlaySound("short", SoundMode::Loop));
     runtime.Sleep(100);
-    EXPECT_EQ(Problems().size(), 1u);
+    EXPECT_EQ(problems.All().size(), 1u);
     EXPECT_TRUE(Quiet());
     UseDriver("disk");
     EXPECT_TRUE(sound.PlaySound("short", SoundMode::Once));
-    EXPECT_TRUE(Until([&] { return Heard(0x11) == 2205; }));
+    EXPECT_TRUE(ServeUntil([&] { return Heard(0x11) == 2205; }));
     EXPECT_TRUE(Quiet());
 }
 
 TEST_F(SdlSoundTest, TakesOrdersFromAnyThread) {
     UseDriver("dummy");
-    std::vector<std::thread> callers;
+    std::vector<std::jthread> callers;
     for (int caller = 0; caller < 4; ++caller) {
         callers.emplace_back([this, caller] {
             constexpr const char* names[] = {"short", "long", "", "missing"};
@@ -219,8 +186,7 @@ TEST_F(SdlSoundTest, TakesOrdersFromAnyThread) {
             }
         });
     }
-    for (std::thread& caller : callers)
-        caller.join();
+    callers.clear();
     EXPECT_TRUE(sound.PlaySound("long", SoundMode::Loop)) << "and the end comes while it plays";
 }
 

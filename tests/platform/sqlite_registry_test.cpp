@@ -1,19 +1,21 @@
 #include "platform/linux/sqlite_registry.h"
 
-#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <sqlite3.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
 #include "platform/linux/initial_registry.h"
+#include "platform/text.h"
+#include "tests/platform/another_process.h"
 #include "tests/platform/durable_files.h"
+#include "tests/platform/error_lines.h"
 #include "tests/support/scratch.h"
 
 namespace varkel {
@@ -24,6 +26,18 @@ RegistryValue Bytes(std::string_view text, RegistryType type = RegistryType::Sz)
     return {type, {first, first + text.size()}};
 }
 
+std::string Text(const RegistryValue& value) {
+    return {reinterpret_cast<const char*>(value.bytes.data()), value.bytes.size()};
+}
+
+void Execute(const std::string& file, const char* sql, const std::function<void()>& meanwhile = {}) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK);
+    if (meanwhile) meanwhile();
+    sqlite3_close(database);
+}
+
 class SqliteRegistryTest : public testing::Test {
   protected:
     std::unique_ptr<SqliteRegistry> Open() { return Open(path); }
@@ -31,17 +45,17 @@ class SqliteRegistryTest : public testing::Test {
         return SqliteRegistry::Open(file,
                                     [this](std::string_view problem) { problems.emplace_back(problem); });
     }
-
+    static std::unique_ptr<RegistryKey> Key(Registry& registry, std::string_view key) {
+        bool created = false;
+        return registry.RegCreateKeyEx(key, created);
+    }
     static bool Set(Registry& registry, std::string_view key, std::string_view name,
                     const RegistryValue& value) {
-        bool created = false;
-        const auto open = registry.RegCreateKeyEx(key, created);
+        const auto open = Key(registry, key);
         return open && open->RegSetValueEx(name, value);
     }
-
     static std::optional<RegistryValue> Get(Registry& registry, std::string_view key, std::string_view name) {
-        bool created = false;
-        const auto open = registry.RegCreateKeyEx(key, created);
+        const auto open = Key(registry, key);
         return open ? open->RegQueryValueEx(name) : std::nullopt;
     }
 
@@ -51,31 +65,28 @@ class SqliteRegistryTest : public testing::Test {
 };
 
 TEST_F(SqliteRegistryTest, KeepsKeysAndValuesOfAnyBytes) {
+    const std::pair<const char*, RegistryValue> values[] = {
+        {"CallStatus", Bytes("odd")},  // 3 bytes stay 3
+        {"empty", Bytes("", RegistryType::Binary)},
+        {"", Bytes("the key's own")},
+        {"NUL", Bytes({"a\0b", 3}, RegistryType::Binary)},
+    };
     auto registry = Open();
-    ASSERT_TRUE(registry);
     bool created = false;
-    {
+    for (const auto& [name, value] : values) {
         const auto key = registry->RegCreateKeyEx("Software\\Varkel\\", created);
-        ASSERT_TRUE(key);
-        EXPECT_TRUE(created);
-        EXPECT_FALSE(key->RegQueryValueEx("CallStatus"));
-        EXPECT_TRUE(key->RegSetValueEx("CallStatus", Bytes("odd")));
-        EXPECT_TRUE(key->RegSetValueEx("empty", Bytes("", RegistryType::Binary)));
-        EXPECT_TRUE(key->RegSetValueEx("", Bytes("the key's own")));
-        EXPECT_TRUE(key->RegSetValueEx("NUL", Bytes({"a\0b", 3}, RegistryType::Binary)));
+        EXPECT_EQ(created, name == values[0].first);
+        EXPECT_FALSE(key->RegQueryValueEx(name));
+        EXPECT_TRUE(key->RegSetValueEx(name, value));
     }
     registry = Open();
-    ASSERT_TRUE(registry);
     const auto key = registry->RegCreateKeyEx("SOFTWARE\\varkel", created);
     EXPECT_FALSE(created);
-    EXPECT_EQ(key->RegQueryValueEx("CALLSTATUS"), Bytes("odd")) << "3 bytes stay 3";
-    EXPECT_EQ(key->RegQueryValueEx("empty"), Bytes("", RegistryType::Binary));
-    EXPECT_EQ(key->RegQueryValueEx(""), Bytes("the key's own"));
-    EXPECT_EQ(key->RegQueryValueEx("nul"), Bytes({"a\0b", 3}, RegistryType::Binary));
+    for (const auto& [name, value] : values)
+        EXPECT_EQ(key->RegQueryValueEx(LowerAscii(name)), value) << name;
     EXPECT_TRUE(key->RegSetValueEx("callstatus", Bytes("\1\0\0\0", RegistryType::Dword)));
     EXPECT_EQ(key->RegQueryValueEx("CallStatus")->type, RegistryType::Dword) << "a new type replaces the old";
-    const auto bare = registry->RegCreateKeyEx("GPRS\\OPENFLAG", created);
-    EXPECT_FALSE(bare->RegQueryValueEx("")) << "what marks the key is no value";
+    EXPECT_FALSE(Get(*registry, "GPRS\\OPENFLAG", "")) << "what marks the key is no value";
     EXPECT_TRUE(registry->RegCreateKeyEx("gprs\\openflag\\\\", created));
     EXPECT_FALSE(created);
     EXPECT_TRUE(registry->List("GPRS").empty());
@@ -91,9 +102,8 @@ TEST_F(SqliteRegistryTest, ListsValuesInTheSpellingFirstWritten) {
     EXPECT_TRUE(Set(*registry, "GPRSHDVol", "x", Bytes("5")));
     const auto names = [&](std::string_view key) {
         std::string text;
-        for (const RegistryEntry& entry : registry->List(key)) {
+        for (const RegistryEntry& entry : registry->List(key))
             text += entry.key + ":" + entry.name + "=" + static_cast<char>(entry.value.bytes[0]) + " ";
-        }
         return text;
     };
     EXPECT_EQ(names("gprs\\"), "GPRS:Top=4 GPRS\\NetworkMode:Account=3 GPRS\\NetworkMode:NetworkMode=2 ");
@@ -103,12 +113,10 @@ TEST_F(SqliteRegistryTest, ListsValuesInTheSpellingFirstWritten) {
 
 TEST_F(SqliteRegistryTest, RefusesWhatIsBeyondItsLimits) {
     auto registry = Open();
-    bool created = false;
-    EXPECT_FALSE(registry->RegCreateKeyEx("", created));
-    EXPECT_FALSE(registry->RegCreateKeyEx("\\\\", created));
-    EXPECT_FALSE(registry->RegCreateKeyEx(std::string(256, 'k'), created));
-    EXPECT_FALSE(registry->RegCreateKeyEx(std::string_view("a\0b", 3), created));
-    const auto key = registry->RegCreateKeyEx(std::string(255, 'k'), created);
+    const std::string names[] = {"", "\\\\", std::string(256, 'k'), std::string("a\0b", 3)};
+    for (const std::string& name : names)
+        EXPECT_FALSE(Key(*registry, name)) << name;
+    const auto key = Key(*registry, std::string(255, 'k'));
     ASSERT_TRUE(key);
     EXPECT_FALSE(key->RegSetValueEx(std::string(256, 'n'), Bytes("x")));
     EXPECT_FALSE(key->RegSetValueEx("type", Bytes("x", RegistryType{7})));
@@ -143,7 +151,6 @@ TEST_F(SqliteRegistryTest, BelongsToTheUserAloneAndLeavesNothingOpen) {
 // Whatever sectors of what was not yet flushed are on the disk, at any moment and in the middle of a
 // checkpoint, the registry is sound and holds what it held at the last flush or at some moment since.
 TEST_F(SqliteRegistryTest, APowerCutLeavesAnEarlierOrALaterValue) {
-    std::filesystem::create_directory(scratch / "disk");
     std::mt19937_64 random(1);
     int flushed = -1;
     int written = -1;
@@ -154,14 +161,12 @@ TEST_F(SqliteRegistryTest, APowerCutLeavesAnEarlierOrALaterValue) {
         const auto left = Open(scratch / "after/registry.db");
         ASSERT_TRUE(left);
         const auto value = Get(*left, "k", "n");
-        const int number = value ? std::stoi(std::string(reinterpret_cast<const char*>(value->bytes.data()),
-                                                         value->bytes.size()))
-                                 : -1;
+        const int number = value ? std::stoi(Text(*value)) : -1;
         EXPECT_TRUE(number >= flushed && number <= written) << flushed << " " << number << " " << written;
         ++cuts;
         lost += number < written;
     };
-    const test::DurableFiles durable(scratch / "unit", scratch / "disk", [&] {
+    const test::DurableFiles durable(scratch / "unit", [&] {
         if (written >= 0) cutPower();
     });
     auto registry = Open();
@@ -181,8 +186,7 @@ TEST_F(SqliteRegistryTest, APowerCutLeavesAnEarlierOrALaterValue) {
 }
 
 TEST_F(SqliteRegistryTest, AFailingDiskIsReportedAndKeepsTheOldValue) {
-    std::filesystem::create_directory(scratch / "disk");
-    const test::DurableFiles durable(scratch / "unit", scratch / "disk");
+    const test::DurableFiles durable(scratch / "unit");
     auto registry = Open();
     ASSERT_TRUE(Set(*registry, "k", "n", Bytes("old")) && registry->RegFlushKey());
     test::DurableFiles::FailSyncs(true);
@@ -208,46 +212,24 @@ TEST_F(SqliteRegistryTest, AFailingDiskIsReportedAndKeepsTheOldValue) {
 }
 
 TEST_F(SqliteRegistryTest, SetsADamagedFileAsideAndBeginsAnew) {
-    struct Damage {
-        const char* name;
-        void (*spoil)(const std::string& path);
+    Set(*Open(), "k", "n", Bytes(std::string(60'000, 'x')));
+    const std::string sound = test::FileContent(path);
+    Execute(scratch / "other.db", "CREATE TABLE registry(a, b)");
+    const std::pair<const char*, std::string> damaged[] = {
+        {"text", "this is no database, not at all"},
+        {"zeroes behind the header", sound.substr(0, 100) + std::string(sound.size() - 100, '\0')},
+        {"cut", sound.substr(0, sound.size() - 4096)},
+        {"a table of another shape", test::FileContent(scratch / "other.db")},
     };
-    const Damage damages[] = {
-        {"text", [](const std::string& file) { test::WriteFile(file, "this is no database, not at all"); }},
-        {"zeroes behind the header",
-         [](const std::string& file) {
-             std::string bytes = test::FileContent(file);
-             bytes.replace(100, bytes.size() - 100, bytes.size() - 100, '\0');
-             test::WriteFile(file, bytes);
-         }},
-        {"cut",
-         [](const std::string& file) {
-             std::filesystem::resize_file(file, std::filesystem::file_size(file) - 4096);
-         }},
-        {"a table of another shape",
-         [](const std::string& file) {
-             std::filesystem::remove(file);
-             sqlite3* other = nullptr;
-             EXPECT_EQ(sqlite3_open(file.c_str(), &other), SQLITE_OK);
-             EXPECT_EQ(sqlite3_exec(other, "CREATE TABLE registry(a, b)", nullptr, nullptr, nullptr),
-                       SQLITE_OK);
-             sqlite3_close(other);
-         }},
-    };
-    for (const Damage& damage : damages) {
-        {
-            auto registry = Open();
-            for (int i = 0; i < 100; ++i)
-                Set(*registry, "k" + std::to_string(i), "n", Bytes(std::string(1000, 'x')));
-        }
-        damage.spoil(path);
+    for (const auto& [name, bytes] : damaged) {
+        test::WriteFile(path, bytes);
         problems.clear();
-        auto registry = Open();
-        ASSERT_TRUE(registry) << damage.name;
-        EXPECT_EQ(problems.size(), 1u) << damage.name;
-        EXPECT_TRUE(std::filesystem::exists(path + ".damaged")) << damage.name;
-        EXPECT_TRUE(registry->List().empty()) << damage.name;
-        EXPECT_TRUE(Set(*registry, "k", "n", Bytes("v"))) << damage.name;
+        const auto registry = Open();
+        ASSERT_TRUE(registry) << name;
+        EXPECT_EQ(problems.size(), 1u) << name;
+        EXPECT_TRUE(std::filesystem::exists(path + ".damaged")) << name;
+        EXPECT_TRUE(registry->List().empty()) << name;
+        EXPECT_TRUE(Set(*registry, "k", "n", Bytes("v"))) << name;
     }
 }
 
@@ -262,55 +244,42 @@ TEST_F(SqliteRegistryTest, ReportsWhatCannotBeOpened) {
 }
 
 TEST_F(SqliteRegistryTest, IsSharedWithOtherProcessesAndThreads) {
-    auto registry = Open();
+    const auto registry = Open();
     ASSERT_TRUE(registry);
     constexpr std::size_t writers = 4;
     constexpr std::size_t rounds = 50;
     std::vector<pid_t> children;
     for (std::size_t child = 0; child < writers; ++child) {
-        children.push_back(fork());
-        if (children.back() != 0) continue;
-        // A connection does not survive a fork; the child opens its own.
-        const auto own = SqliteRegistry::Open(path, nullptr);
-        bool good = own != nullptr;
-        for (std::size_t i = 0; good && i < rounds; ++i) {
-            const std::string name = std::to_string(child) + "." + std::to_string(i);
-            good = Set(*own, "shared", name, Bytes(name)) && (i % 10 != 0 || own->RegFlushKey());
-        }
-        _exit(good ? 0 : 1);
+        children.push_back(test::InAnotherProcess([&] {
+            const auto own = Open();  // a connection does not survive a fork
+            ASSERT_TRUE(own);
+            for (std::size_t i = 0; i < rounds; ++i) {
+                const std::string name = std::to_string(child) + "." + std::to_string(i);
+                ASSERT_TRUE(Set(*own, "shared", name, Bytes(name)) && (i % 10 != 0 || own->RegFlushKey()));
+            }
+        }));
     }
-    std::atomic<bool> done = false;
-    std::thread reader([&] {
-        while (!done)
+    std::jthread reader([&](const std::stop_token& end) {
+        while (!end.stop_requested())
             EXPECT_LE(registry->List("shared").size(), writers * rounds);
     });
     for (std::size_t i = 0; i < rounds; ++i)
         EXPECT_TRUE(Set(*registry, "parent", std::to_string(i), Bytes("x")));
-    for (const pid_t child : children) {
-        int status = -1;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(status, 0);
-    }
-    done = true;
-    reader.join();
+    for (const pid_t child : children)
+        EXPECT_EQ(test::StatusOf(child), 0);
     EXPECT_EQ(registry->List("shared").size(), writers * rounds);
     EXPECT_EQ(Get(*registry, "SHARED", "3.49"), Bytes("3.49"));
 }
 
 TEST_F(SqliteRegistryTest, AWriterElsewhereHoldsItUpForASecondAtMost) {
-    auto registry = Open();
+    const auto registry = Open();
     EXPECT_TRUE(Set(*registry, "k", "n", Bytes("v")));
-    sqlite3* other = nullptr;
-    ASSERT_EQ(sqlite3_open(path.c_str(), &other), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-    const auto start = std::chrono::steady_clock::now();
-    bool created = false;
-    const auto key = registry->RegCreateKeyEx("k", created);
-    EXPECT_FALSE(key && key->RegSetValueEx("n", Bytes("w")));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2500));
+    Execute(path, "BEGIN IMMEDIATE", [&] {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_FALSE(Set(*registry, "k", "n", Bytes("w")));
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(2500));
+    });
     EXPECT_EQ(problems.size(), 1u);
-    sqlite3_exec(other, "ROLLBACK", nullptr, nullptr, nullptr);
-    sqlite3_close(other);
     EXPECT_TRUE(Set(*registry, "k", "n", Bytes("w")));
 }
 
@@ -334,14 +303,10 @@ TEST_F(SqliteRegistryTest, LoadsInitialValuesThatAreMissing) {
                                             "bad = hex:0g\n"
                                             "bad = 17\n"
                                             "nonsense\n");
-    const std::vector<std::string> lines = {"line 16", "line 1:", "line 5:", "line 13", "line 14", "line 15"};
-    ASSERT_EQ(errors.size(), lines.size());
-    for (std::size_t i = 0; i < lines.size(); ++i)
-        EXPECT_TRUE(errors[i].starts_with(lines[i])) << errors[i];
-    EXPECT_EQ(Get(*registry, "GPRS\\OPENFLAG", "m_GprsAutoOpenFlag"),
-              Bytes("\xFF\xFF\xFF\xFF", RegistryType::Dword))
-        << "the later line holds";
+    EXPECT_EQ(test::LinesOf(errors), "16 1 5 13 14 15 ");
     EXPECT_EQ(Get(*registry, "GPRS\\NetworkMode", "Account"), Bytes("mine")) << "what is there stays";
+    const auto flag = Get(*registry, "GPRS\\OPENFLAG", "m_GprsAutoOpenFlag");
+    EXPECT_EQ(flag, Bytes("\xFF\xFF\xFF\xFF", RegistryType::Dword)) << "the later line holds";
     EXPECT_EQ(Get(*registry, "Software\\QXPhoneNum", "sos"), Bytes({"1\0001\0002\0 \0\x2F\x04\0\0", 12}));
     EXPECT_EQ(Get(*registry, "Software\\QXPhoneNum", "empty"), Bytes({"\0\0", 2}));
     EXPECT_EQ(Get(*registry, "Software\\QXPhoneNum", "blob"), Bytes("\x0A\x0B\xFF", RegistryType::Binary));

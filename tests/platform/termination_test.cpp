@@ -3,11 +3,11 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
 #include "platform/linux/linux_runtime.h"
+#include "tests/platform/another_process.h"
 
 namespace varkel {
 namespace {
@@ -15,15 +15,10 @@ namespace {
 // Runs `body` in another process, for signals meant for the whole process; its exit status.
 template <class Body>
 int StatusOf(Body body) {
-    const pid_t child = fork();
-    if (child == 0) {
+    return test::StatusOf(test::InAnotherProcess([&] {
         alarm(20);
         body();
-        _exit(testing::Test::HasFailure() ? 1 : 0);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    return status;
+    }));
 }
 
 TEST(TerminationTest, TheFirstSignalCallsTheFunctionWhicheverThreadRuns) {
