@@ -28,35 +28,20 @@ std::string Narrow(const CodePage& page, std::u16string_view wide, std::size_t r
     return narrow;
 }
 
-struct Sample {
-    const char* page;
-    std::string narrow;
-    std::u16string wide;
-};
-
 TEST(CodePageTest, ConvertsBothWays) {
-    const Sample samples[] = {
-        {"GB18030", "abc~\\", u"abc~\\"},
-        {"GB18030", "\xB3\xE6\xB2\xA5", u"虫播"},
-        {"GB18030", "\xA2\xE3", u"€"},
-        {"GB18030", "\x81\x30\x81\x30", u"\u0080"},
-        {"GB18030", "\x81\x31\x85\x31\x81\x31\x86\x38\x81\x31\x83\x39\x81\x31\x86\x39", u"سلام"},
-        {"GB18030", "\x84\x31\xA4\x39", u"\uFFFF"},
-        {"GB18030", "\x90\x30\x81\x30", u"\U00010000"},
-        {"GB18030", "\x94\x39\xFC\x36", u"\U0001F600"},
-        {"GB18030", "\xE3\x32\x9A\x35", u"\U0010FFFF"},
-        {"GB18030", "\xFE\x51", u"\U00020087"},
-        {"GB18030", std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
-        {"CP1251", "\xCF\xF0\xE8\xE2\xE5\xF2 \x88", u"Привет €"},
+    const struct {
+        const char* page;
+        std::string narrow;
+        std::u16string wide;
+    } samples[] = {
+        {"GB18030", std::string("abc~\\\0\xB3\xE6\x84\x31\xA4\x39", 12),
+         std::u16string(u"abc~\\\0虫\uFFFF", 8)},
         {"CP1252", "S\xE3o Jo\xE3o \x80", u"São João €"},
-        {"CP1256", "\xD3\xE1\xC7\xE3", u"سلام"},
-        {"CP950", "\xA4\xA4\xA4\xE5", u"中文"},
         {"CP949", "\xC7\xD1\xB1\xDB", u"한글"},
     };
-    for (const Sample& sample : samples) {
-        const CodePage& page = CodePageNamed(sample.page);
-        EXPECT_EQ(Wide(page, sample.narrow), sample.wide) << sample.page << ' ' << sample.narrow;
-        EXPECT_EQ(Narrow(page, sample.wide), sample.narrow) << sample.page << ' ' << sample.narrow;
+    for (const auto& [name, narrow, wide] : samples) {
+        EXPECT_EQ(Wide(CodePageNamed(name), narrow), wide) << name;
+        EXPECT_EQ(Narrow(CodePageNamed(name), wide), narrow) << name;
     }
 }
 
