@@ -58,18 +58,14 @@ TEST_F(BusInterfacesTest, AreWhatIsDocumented) {
     windows.CreateWindow("3Gwindow", {});
     const KovexDrvExport driver(
         bus, [](DrvFunction, int&) { return true; }, [](const std::function<void()>&) { return true; });
-    struct Case {
-        std::string interface;
-        const char* path;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, const char*> interfaces[] = {
         {"org.varkel.Window1", "/org/varkel/window/1"},
         {"org.varkel.Windows1", "/org/varkel/window"},
         {kovexDrvInterface, kovexDrvPath},
     };
-    for (const Case& entry : cases) {
-        EXPECT_EQ(Bare(test::FileContent(directory + entry.interface + ".xml"), entry.interface),
-                  Bare(Introspect(client, bus.UniqueName(), entry.path), entry.interface));
+    for (const auto& [interface, path] : interfaces) {
+        EXPECT_EQ(Bare(test::FileContent(directory + interface + ".xml"), interface),
+                  Bare(Introspect(client, bus.UniqueName(), path), interface));
     }
 }
 

@@ -36,40 +36,41 @@ struct Program {
 
 class BusWindowMessagesTest : public test::DialogFixture {
   protected:
-    std::optional<std::uint32_t> CopyData(Program& from, WindowHandle to, std::uint32_t dwData,
-                                          std::size_t size) {
+    std::optional<std::uint32_t> CopyData(WindowHandle to, std::uint32_t dwData, std::size_t size) {
         const std::vector<std::byte> data(size);
-        return Elsewhere([&] { return from.windows.SendCopyData(to, dwData, data); });
+        return Elsewhere([&] { return other.windows.SendCopyData(to, dwData, data); });
     }
 
-    bool CallRaw(Program& from, const BusMethod& method, const std::function<int(sd_bus_message*)>& append) {
-        return Elsewhere([&] { return from.bus.Call(method, append, [](sd_bus_message*) { return 0; }); });
+    // Calls a method of the phone's window, as a client of another kind would.
+    bool CallRaw(const char* member, const Bus::Append& append, const char* path = "/org/varkel/window/1") {
+        const BusMethod method{phone.bus.UniqueName(), path, "org.varkel.Window1", member};
+        return Elsewhere([&] { return other.bus.Call(method, append, [](sd_bus_message*) { return 0; }); });
     }
 
     test::PrivateBus daemon;
+    Program phone{daemon.Options(), loop};
+    Program other{daemon.Options(), loop};
 };
 
 TEST_F(BusWindowMessagesTest, PostsReachWindowsOfAnyProgramInOrder) {
-    Program phone(daemon.Options(), loop);
-    Program unit(daemon.Options(), loop);
     const WindowHandle dialog = phone.Create("3Gwindow");
-    const WindowHandle main = unit.Create("MainWindow");
+    const WindowHandle main = other.Create("MainWindow");
     EXPECT_NE(dialog, main);
     const MessageId quit = phone.windows.RegisterWindowMessage("3Gwindow_QUIT");
     EXPECT_EQ(phone.windows.RegisterWindowMessage("3Gwindow_QUIT"), quit);
     EXPECT_NE(phone.windows.RegisterWindowMessage("3Gwindow_HIDE"), quit);
     // The other program has its own numbers.
-    unit.windows.RegisterWindowMessage("something else");
-    const MessageId unitsQuit = unit.windows.RegisterWindowMessage("3Gwindow_QUIT");
-    EXPECT_NE(quit, unitsQuit);
+    other.windows.RegisterWindowMessage("something else");
+    const MessageId othersQuit = other.windows.RegisterWindowMessage("3Gwindow_QUIT");
+    EXPECT_NE(quit, othersQuit);
 
     for (std::uint32_t i = 0; i < 100; ++i)
-        EXPECT_TRUE(unit.windows.PostMessage(dialog, {WM_USER + 1000, i, 0xFFFFFFFF}));
+        EXPECT_TRUE(other.windows.PostMessage(dialog, {WM_USER + 1000, i, 0xFFFFFFFF}));
     EXPECT_TRUE(phone.windows.PostMessage(main, {quit, 1, 2}));
-    EXPECT_TRUE(ServeUntil([&] { return phone.received.size() == 100 && !unit.received.empty(); }));
+    EXPECT_TRUE(ServeUntil([&] { return phone.received.size() == 100 && !other.received.empty(); }));
     for (std::uint32_t i = 0; i < 100; ++i)
         ASSERT_EQ(phone.received[i], (WindowMessage{WM_USER + 1000, i, 0xFFFFFFFF}));
-    EXPECT_EQ(unit.received, std::vector<WindowMessage>({{unitsQuit, 1, 2}}));
+    EXPECT_EQ(other.received, std::vector<WindowMessage>({{othersQuit, 1, 2}}));
 
     // To itself, from its own handler's thread: no bus in between.
     EXPECT_TRUE(phone.windows.PostMessage(dialog, {quit, 3, 4}));
@@ -78,42 +79,36 @@ TEST_F(BusWindowMessagesTest, PostsReachWindowsOfAnyProgramInOrder) {
 }
 
 TEST_F(BusWindowMessagesTest, ABroadcastReachesEveryWindowOnce) {
-    Program phone(daemon.Options(), loop);
-    Program unit(daemon.Options(), loop);
     Program deaf(daemon.Options(), loop);
     phone.Create("one");
     phone.Create("two");
-    unit.Create("three");
+    other.Create("three");
     deaf.Create("four");
     const MessageId callIn = phone.windows.RegisterWindowMessage("UM_CALLIN");
-    unit.windows.RegisterWindowMessage("UM_CALLIN");
+    other.windows.RegisterWindowMessage("UM_CALLIN");
     EXPECT_TRUE(phone.windows.PostMessage(WindowHandle::Broadcast, {callIn, 1, 1}));
-    EXPECT_TRUE(ServeUntil([&] { return !unit.received.empty(); }));
+    EXPECT_TRUE(ServeUntil([&] { return !other.received.empty(); }));
     // Whatever else was on its way has arrived when a message sent later has.
-    EXPECT_TRUE(unit.windows.PostMessage(phone.windows.FindWindow("one"), {WM_USER, 0, 0}));
+    EXPECT_TRUE(other.windows.PostMessage(phone.windows.FindWindow("one"), {WM_USER, 0, 0}));
     EXPECT_TRUE(ServeUntil([&] { return phone.received.size() >= 3; }));
     ServePosted();
     EXPECT_EQ(phone.received.size(), 3u) << "one for each window of the sender, and the later message";
-    EXPECT_EQ(unit.received.size(), 1u);
+    EXPECT_EQ(other.received.size(), 1u);
     EXPECT_TRUE(deaf.received.empty()) << "it has not registered the name";
     EXPECT_FALSE(phone.windows.PostMessage(WindowHandle::Broadcast, {WM_USER + 1, 0, 0}));
 }
 
 TEST_F(BusWindowMessagesTest, FindsWindowsByTitleInAnyProgramAndReadsTitles) {
-    Program phone(daemon.Options(), loop);
-    Program other(daemon.Options(), loop);
-    const char* const titles[] = {"3Gwindow", "a b/c.d", "\xE8\x99\xAB"};
-    for (const char* title : titles) {
+    const std::string longTitle(1000, 'x');
+    for (const char* title : {"3Gwindow", "a b/c.d", "\xE8\x99\xAB"}) {
         const WindowHandle handle = phone.Create(title);
-        EXPECT_EQ(other.windows.FindWindow(title), handle) << title;
-        EXPECT_EQ(phone.windows.FindWindow(title), handle) << title;
+        for (Program* const asking : {&phone, &other})
+            EXPECT_EQ(asking->windows.FindWindow(title), handle) << title;
     }
-    EXPECT_EQ(other.windows.FindWindow("nobody"), WindowHandle::None);
-    EXPECT_EQ(other.windows.FindWindow(""), WindowHandle::None);
-    EXPECT_EQ(other.windows.FindWindow("3gWINDOW"), WindowHandle::None);
-    EXPECT_EQ(other.windows.FindWindow(std::string(1000, 'x')), WindowHandle::None);
-    const WindowHandle longTitle = phone.Create(std::string(1000, 'x'));
-    EXPECT_EQ(phone.windows.FindWindow(std::string(1000, 'x')), longTitle);
+    for (const std::string& none : {std::string("nobody"), std::string(), std::string("3gWINDOW"), longTitle})
+        EXPECT_EQ(other.windows.FindWindow(none), WindowHandle::None) << none;
+    const WindowHandle handle = phone.Create(longTitle);
+    EXPECT_EQ(phone.windows.FindWindow(longTitle), handle);
 
     const WindowHandle renamed = phone.windows.FindWindow("3Gwindow");
     for (Program* const asking : {&phone, &other})
@@ -129,29 +124,26 @@ TEST_F(BusWindowMessagesTest, FindsWindowsByTitleInAnyProgramAndReadsTitles) {
 }
 
 TEST_F(BusWindowMessagesTest, CopiedDataRunsOnTheDialogThreadAndBringsItsResultBack) {
-    Program phone(daemon.Options(), loop);
-    Program client(daemon.Options(), loop);
     const WindowHandle dialog = phone.Create("3Gwindow");
     for (const std::size_t size : {0u, 1u, 66u, 4096u}) {
-        EXPECT_EQ(CopyData(client, dialog, 3, size), 77u) << size;
+        EXPECT_EQ(CopyData(dialog, 3, size), 77u) << size;
         EXPECT_EQ(phone.copied.back(), std::pair(3u, size));
     }
-    EXPECT_EQ(CopyData(client, dialog, 3, 4097), std::nullopt);
-    const BusMethod method{phone.bus.UniqueName(), "/org/varkel/window/1", "org.varkel.Window1", "CopyData"};
+    EXPECT_EQ(CopyData(dialog, 3, 4097), std::nullopt);
     const std::vector<std::byte> large(4097);
-    EXPECT_FALSE(CallRaw(client, method, [&](sd_bus_message* m) {
+    EXPECT_FALSE(CallRaw("CopyData", [&](sd_bus_message* m) {
         const int appended = sd_bus_message_append(m, "u", 0u);
         return appended < 0 ? appended : sd_bus_message_append_array(m, 'y', large.data(), large.size());
     })) << "and not from a client of another kind either";
     EXPECT_EQ(phone.copied.size(), 4u);
-    EXPECT_EQ(CopyData(client, WindowHandle{(1u << 20) << 8 | 1u}, 0, 4), std::nullopt) << "nobody";
-    EXPECT_EQ(CopyData(client, WindowHandle{static_cast<std::uint32_t>(dialog) + 1}, 0, 4), std::nullopt);
+    EXPECT_EQ(CopyData(WindowHandle{(1u << 20) << 8 | 1u}, 0, 4), std::nullopt) << "nobody";
+    EXPECT_EQ(CopyData(WindowHandle{static_cast<std::uint32_t>(dialog) + 1}, 0, 4), std::nullopt);
 
     // The window goes while the data waits for the dialog thread.
     auto result = std::async(std::launch::async, [&] {
-        return client.windows.SendCopyData(dialog, 1, std::span<const std::byte>());
+        return other.windows.SendCopyData(dialog, 1, std::span<const std::byte>());
     });
-    client.bus.Run([](sd_bus*) {});
+    other.bus.Run([](sd_bus*) {});
     phone.windows.DestroyWindow(dialog);
     EXPECT_TRUE(
         ServeUntil([&] { return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
@@ -159,17 +151,13 @@ TEST_F(BusWindowMessagesTest, CopiedDataRunsOnTheDialogThreadAndBringsItsResultB
 }
 
 TEST_F(BusWindowMessagesTest, AFloodIsBoundedAndLeavesRoomForTheProgramsOwnWork) {
-    Program phone(daemon.Options(), loop);
-    Program flooder(daemon.Options(), loop);
     const WindowHandle dialog = phone.Create("3Gwindow");
-    int sent = 0;
     for (int i = 0; i < 5000; ++i) {
-        while (!flooder.windows.PostMessage(dialog, {WM_USER, 0, 0}))
+        while (!other.windows.PostMessage(dialog, {WM_USER, 0, 0}))
             std::this_thread::yield();
-        ++sent;
     }
     // The last one waits for its answer, so all before it have been handled.
-    EXPECT_FALSE(flooder.bus.Call(
+    EXPECT_FALSE(other.bus.Call(
         {phone.bus.UniqueName(), "/org/varkel/window/1", "org.varkel.Window1", "Post"},
         [](sd_bus_message* m) { return sd_bus_message_append(m, "uuu", 1024u, 0u, 0u); },
         [](sd_bus_message*) { return 0; }))
@@ -178,42 +166,27 @@ TEST_F(BusWindowMessagesTest, AFloodIsBoundedAndLeavesRoomForTheProgramsOwnWork)
     EXPECT_EQ(phone.problems, 1) << "one line for all of them";
     ServePosted();
     EXPECT_EQ(phone.received.size(), WindowTable::mostWaiting);
-    EXPECT_TRUE(flooder.windows.PostMessage(dialog, {WM_USER + 1, 0, 0}));
+    EXPECT_TRUE(other.windows.PostMessage(dialog, {WM_USER + 1, 0, 0}));
     EXPECT_TRUE(ServeUntil([&] { return phone.received.back().id == WM_USER + 1; }));
 }
 
 TEST_F(BusWindowMessagesTest, RefusesWhatMakesNoSense) {
-    Program phone(daemon.Options(), loop);
-    Program client(daemon.Options(), loop);
     phone.Create("3Gwindow");
     phone.windows.RegisterWindowMessage("known");
-    const auto method = [&](const char* member, const char* path = "/org/varkel/window/1") {
-        return BusMethod{phone.bus.UniqueName(), path, "org.varkel.Window1", member};
-    };
-    struct Case {
-        const char* name;
-        BusMethod to;
-        std::function<int(sd_bus_message*)> append;
-        bool good;
-    };
     const auto post = [](std::uint32_t id) {
         return [id](sd_bus_message* m) { return sd_bus_message_append(m, "uuu", id, 1u, 2u); };
     };
     const auto postNamed = [](const char* name) {
         return [name](sd_bus_message* m) { return sd_bus_message_append(m, "suu", name, 1u, 2u); };
     };
-    const Case cases[] = {
-        {"fixed", method("Post"), post(WM_USER), true},
-        {"a registered number", method("Post"), post(firstRegisteredMessage), false},
-        {"known name", method("PostRegistered"), postNamed("known"), true},
-        {"unknown name", method("PostRegistered"), postNamed("unknown"), true},
-        {"wrong types", method("Post"), postNamed("known"), false},
-        {"no such method", method("Send"), post(WM_USER), false},
-        {"no such window", method("Post", "/org/varkel/window/2"), post(WM_USER), false},
-        {"not a window", method("Post", "/org/varkel/window/1/1"), post(WM_USER), false},
-    };
-    for (const Case& entry : cases)
-        EXPECT_EQ(CallRaw(client, entry.to, entry.append), entry.good) << entry.name;
+    EXPECT_TRUE(CallRaw("Post", post(WM_USER)));
+    EXPECT_TRUE(CallRaw("PostRegistered", postNamed("known")));
+    EXPECT_TRUE(CallRaw("PostRegistered", postNamed("unknown")));
+    EXPECT_FALSE(CallRaw("Post", post(firstRegisteredMessage))) << "a registered number";
+    EXPECT_FALSE(CallRaw("Post", postNamed("known"))) << "wrong types";
+    EXPECT_FALSE(CallRaw("Send", post(WM_USER)));
+    EXPECT_FALSE(CallRaw("Post", post(WM_USER), "/org/varkel/window/2"));
+    EXPECT_FALSE(CallRaw("Post", post(WM_USER), "/org/varkel/window/1/1"));
     ServePosted();
     EXPECT_EQ(phone.received.size(), 2u);
 
@@ -236,7 +209,6 @@ TEST_F(BusWindowMessagesTest, RefusesWhatMakesNoSense) {
 
 TEST_F(BusWindowMessagesTest, WorksAloneWithoutABusAndAfterItIsLost) {
     Program alone({BusKind::None, ""}, loop);
-    Program phone(daemon.Options(), loop);
     const WindowHandle before = phone.Create("before");
     daemon.Stop();
     ASSERT_TRUE(ServeUntil([&] { return !phone.bus.Available(); }));
@@ -263,20 +235,20 @@ TEST_F(BusWindowMessagesTest, WorksAloneWithoutABusAndAfterItIsLost) {
 TEST_F(BusWindowMessagesTest, AWindowMayDestroyItselfAndItsProgramMayEnd) {
     const auto descriptors = test::OpenDescriptors();
     {
-        Program phone(daemon.Options(), loop);
+        Program brief(daemon.Options(), loop);
         WindowHandle window = WindowHandle::None;
         int calls = 0;
-        window = phone.windows.CreateWindow("w", {[&](const WindowMessage&) {
-                                                      ++calls;
-                                                      phone.windows.DestroyWindow(window);
-                                                  },
-                                                  {}});
-        EXPECT_TRUE(phone.windows.PostMessage(window, {WM_USER, 0, 0}));
-        EXPECT_TRUE(phone.windows.PostMessage(window, {WM_USER, 0, 0}));
+        const auto onMessage = [&](const WindowMessage&) {
+            ++calls;
+            brief.windows.DestroyWindow(window);
+        };
+        window = brief.windows.CreateWindow("w", {onMessage, {}});
+        EXPECT_TRUE(brief.windows.PostMessage(window, {WM_USER, 0, 0}));
+        EXPECT_TRUE(brief.windows.PostMessage(window, {WM_USER, 0, 0}));
         ServePosted();
         EXPECT_EQ(calls, 1);
-        EXPECT_FALSE(phone.windows.PostMessage(window, {WM_USER, 0, 0}));
-        EXPECT_TRUE(phone.windows.PostMessage(phone.Create("left"), {WM_USER, 0, 0}));
+        EXPECT_FALSE(brief.windows.PostMessage(window, {WM_USER, 0, 0}));
+        EXPECT_TRUE(brief.windows.PostMessage(brief.Create("left"), {WM_USER, 0, 0}));
     }
     ServePosted();  // what was posted to the program that has gone
     EXPECT_EQ(test::OpenDescriptors(), descriptors);

@@ -30,15 +30,13 @@ TEST(IcmpSocketTest, HearsHostsThatAnswer) {
     for (const std::size_t size : {std::size_t{64}, std::size_t{0}, std::size_t{7}, IcmpSocket::mostData})
         EXPECT_TRUE(icmp.IcmpSendEcho("127.0.0.1", Stars(size), longEnough)) << size;
     // Many at once: each takes its own reply among everybody's.
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int i = 1; i <= 8; ++i) {
         threads.emplace_back([&icmp, address = "127.0.0." + std::to_string(i)] {
             for (int round = 0; round < 20; ++round)
                 EXPECT_TRUE(icmp.IcmpSendEcho(address, Stars(64), longEnough));
         });
     }
-    for (std::thread& thread : threads)
-        thread.join();
 }
 
 TEST(IcmpSocketTest, RefusesWhatIsNoAddressInNumbers) {

@@ -39,15 +39,13 @@ TEST(ReceiveQueueTest, IsDueAtOnceWhenNearlyFullAndTakesNoMoreThanFits) {
     EXPECT_EQ(TakeChunk(queue, 0).size(), 1024u) << "without a line end everything goes";
 }
 
-struct Cut {
-    const char* name;
-    std::string queued;
-    std::size_t chunk;
-};
-
 TEST(ReceiveQueueTest, CutsLongDataAtALineEndButNeverAPrompt) {
     const std::string line = std::string(298, 'a') + "\r\n";  // 300
-    const Cut cuts[] = {
+    const struct {
+        const char* name;
+        std::string queued;
+        std::size_t chunk;
+    } cuts[] = {
         {"short data goes whole", std::string(500, 'a') + "\r\nrest", 506},
         {"long data ends at the last line end", line + line + "+CPBR: 1", 600},
         {"a closing line end is the last", line + line, 600},
@@ -56,7 +54,7 @@ TEST(ReceiveQueueTest, CutsLongDataAtALineEndButNeverAPrompt) {
         {"a prompt that is still arriving stays whole", line + line + "+CMGS\r\n>", 600},
         {"a bracket elsewhere is no prompt", line + line + "a> ", 600},
     };
-    for (const Cut& cut : cuts) {
+    for (const auto& cut : cuts) {
         ReceiveQueue queue;
         queue.Add(cut.queued, 0);
         EXPECT_EQ(queue.ChunkSize(), cut.chunk) << cut.name;

@@ -3,11 +3,11 @@
 #include <atomic>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <optional>
 #include <poll.h>
 #include <pty.h>
 #include <termios.h>
 #include <unistd.h>
-#include <vector>
 
 #include "platform/linux/file_descriptor.h"
 #include "tests/support/scratch.h"
@@ -17,12 +17,12 @@ namespace {
 
 constexpr Ticks longEnough = 20'000;
 
-// A port over a pseudo-terminal; the test is the modem at the other end.
+// An open port over a pseudo-terminal; the test is the modem at the other end.
 class TtySerialPortTest : public testing::Test {
   protected:
-    void SetUp() override { OpenTerminal(); }
+    TtySerialPortTest() { Connect(); }
 
-    void OpenTerminal() {
+    void Connect() {
         int ends[2];
         char name[64];
         ASSERT_EQ(openpty(&ends[0], &ends[1], name, nullptr, nullptr), 0);
@@ -30,16 +30,24 @@ class TtySerialPortTest : public testing::Test {
         close(ends[1]);
         fcntl(modem.Get(), F_SETFD, FD_CLOEXEC);
         path = name;
+        Open();
     }
 
-    CommHandle Open() {
-        const CommHandle device = port.CreateFile("COM7:");
+    void Open() {
+        device = port.CreateFile("COM7:");
         EXPECT_NE(device, CommHandle::Invalid);
         EXPECT_TRUE(port.SetCommMask(device, EV_RXCHAR));
-        return device;
+        // A write has no limit.
+        EXPECT_TRUE(port.SetCommTimeouts(device, {0xFFFFFFFF, 0, 0, 0, 0}));
     }
 
-    std::string TakeChunk(CommHandle device) {
+    // The event that a wait ended with; nothing when it failed.
+    std::optional<std::uint32_t> Wait() {
+        std::uint32_t event = 99;
+        return port.WaitCommEvent(device, event) ? std::optional(event) : std::nullopt;
+    }
+
+    std::string TakeChunk() {
         std::uint32_t errors = 0;
         std::size_t queued = 0;
         EXPECT_TRUE(port.ClearCommError(device, errors, queued));
@@ -51,11 +59,9 @@ class TtySerialPortTest : public testing::Test {
         return chunk;
     }
 
-    std::string AwaitChunk(CommHandle device) {
-        std::uint32_t event = 0;
-        EXPECT_TRUE(port.WaitCommEvent(device, event));
-        EXPECT_EQ(event, EV_RXCHAR);
-        return TakeChunk(device);
+    std::string AwaitChunk() {
+        EXPECT_EQ(Wait(), EV_RXCHAR);
+        return TakeChunk();
     }
 
     void Feed(std::string_view bytes) { ASSERT_TRUE(WriteAll(modem.Get(), bytes)); }
@@ -72,6 +78,14 @@ class TtySerialPortTest : public testing::Test {
         return bytes;
     }
 
+    // A thread that writes more than the tty takes, until that fails.
+    std::shared_ptr<Thread> StartToWrite() {
+        return runtime.CreateThread({"writer"}, [this] {
+            std::size_t written = 0;
+            EXPECT_FALSE(port.WriteFile(device, std::string(std::size_t{256} * 1024, 'f'), written));
+        });
+    }
+
     LinuxRuntime runtime;
     FileDescriptor modem;
     std::string path;
@@ -82,32 +96,30 @@ class TtySerialPortTest : public testing::Test {
                            EXPECT_EQ(name, "COM7:");
                            ++vanished;
                        }};
+    CommHandle device = CommHandle::Invalid;
 };
 
 TEST_F(TtySerialPortTest, OpensATtyForItselfAlone) {
-    EXPECT_EQ(port.CreateFile("COM1:"), CommHandle::Invalid);
-    const auto before = test::OpenDescriptors();
-    const int inheritable = test::InheritableDescriptors();
-    const CommHandle first = Open();
     EXPECT_EQ(port.CreateFile("COM7:"), CommHandle::Invalid) << "not shared";
-    EXPECT_EQ(test::InheritableDescriptors(), inheritable);
+    const CommHandle first = device;
     EXPECT_EQ(port.CloseHandle(first), 0);
     EXPECT_NE(port.CloseHandle(first), 0);
-    EXPECT_EQ(test::OpenDescriptors(), before);
-    const CommHandle second = Open();
-    EXPECT_NE(first, second) << "handles are never given twice";
+    const auto descriptors = test::OpenDescriptors();
+    const int inheritable = test::InheritableDescriptors();
+    Open();
+    EXPECT_EQ(test::InheritableDescriptors(), inheritable);
+    EXPECT_NE(first, device) << "handles are never given twice";
     EXPECT_FALSE(port.SetCommMask(first, 0));
-    port.CloseHandle(second);
-
-    path = "/dev/null";
-    EXPECT_EQ(port.CreateFile("COM7:"), CommHandle::Invalid) << "no tty";
-    path = "/nowhere";
-    EXPECT_EQ(port.CreateFile("COM7:"), CommHandle::Invalid);
-    EXPECT_EQ(test::OpenDescriptors(), before);
+    port.CloseHandle(device);
+    EXPECT_EQ(port.CreateFile("COM1:"), CommHandle::Invalid);
+    for (const char* const none : {"/dev/null", "/nowhere"}) {
+        path = none;
+        EXPECT_EQ(port.CreateFile("COM7:"), CommHandle::Invalid);
+    }
+    EXPECT_EQ(test::OpenDescriptors(), descriptors);
 }
 
 TEST_F(TtySerialPortTest, SetsTheLineAsTheControlBlockSays) {
-    const CommHandle device = Open();
     Dcb state;
     ASSERT_TRUE(port.GetCommState(device, state));
     state.BaudRate = 115200;
@@ -126,45 +138,35 @@ TEST_F(TtySerialPortTest, SetsTheLineAsTheControlBlockSays) {
     EXPECT_EQ(read.BaudRate, 115200u);
     EXPECT_TRUE(read.fDtrControl);
 
-    struct Bad {
-        const char* name;
-        void (*spoil)(Dcb&);
+    const std::pair<const char*, void (*)(Dcb&)> faults[] = {
+        {"speed", [](Dcb& dcb) { dcb.BaudRate = 12345; }},
+        {"bits", [](Dcb& dcb) { dcb.ByteSize = 9; }},
+        {"parity", [](Dcb& dcb) { dcb.Parity = 5; }},
+        {"a frame that this tty cannot do", [](Dcb& dcb) { dcb.ByteSize = 7; }},
+        {"stop bits", [](Dcb& dcb) { dcb.StopBits = 1; }},
     };
-    const Bad bad[] = {{"speed", [](Dcb& dcb) { dcb.BaudRate = 12345; }},
-                       {"bits", [](Dcb& dcb) { dcb.ByteSize = 9; }},
-                       {"parity", [](Dcb& dcb) { dcb.Parity = 5; }},
-                       {"a frame that this tty cannot do", [](Dcb& dcb) { dcb.ByteSize = 7; }},
-                       {"stop bits", [](Dcb& dcb) { dcb.StopBits = 1; }}};
-    for (const Bad& entry : bad) {
+    for (const auto& [name, spoil] : faults) {
         Dcb spoilt = state;
-        entry.spoil(spoilt);
-        EXPECT_FALSE(port.SetCommState(device, spoilt)) << entry.name;
+        spoil(spoilt);
+        EXPECT_FALSE(port.SetCommState(device, spoilt)) << name;
     }
-    CommTimeouts timeouts{0xFFFFFFFF, 0, 0, 10, 1000};
-    EXPECT_TRUE(port.SetCommTimeouts(device, timeouts));
-    CommTimeouts back;
-    EXPECT_TRUE(port.GetCommTimeouts(device, back));
-    EXPECT_EQ(back.WriteTotalTimeoutConstant, 1000u);
-    EXPECT_TRUE(port.SetupComm(device, 1024, 1024));
 }
 
 TEST_F(TtySerialPortTest, ReportsAnAnswerAsOneChunkHoweverItArrives) {
-    const CommHandle device = Open();
     const std::string answer = "\r\n+CSQ: 18,99\r\n\r\nOK\r\n";
     Feed(answer);
-    EXPECT_EQ(AwaitChunk(device), answer);
+    EXPECT_EQ(AwaitChunk(), answer);
     // Byte by byte, and with a NUL inside.
     const std::string odd("\r\nA\0B\xFF\r\n", 8);
     for (const char c : odd)
         Feed({&c, 1});
     std::string received;
     while (received.size() < odd.size())
-        received += AwaitChunk(device);
+        received += AwaitChunk();
     EXPECT_EQ(received, odd);
 }
 
 TEST_F(TtySerialPortTest, TakesBurstsWholeInChunksThatEndWithALine) {
-    const CommHandle device = Open();
     std::string burst;
     for (int i = 0; i < 163; ++i)
         burst += "+CPBR: " + std::to_string(100 + i) + ",\"0123456789\"\r\n";
@@ -173,7 +175,7 @@ TEST_F(TtySerialPortTest, TakesBurstsWholeInChunksThatEndWithALine) {
     const auto feeder = runtime.CreateThread({"feeder"}, [&] { Feed(burst); });
     std::string received;
     while (received.size() < burst.size()) {
-        const std::string chunk = AwaitChunk(device);
+        const std::string chunk = AwaitChunk();
         ASSERT_FALSE(chunk.empty());
         EXPECT_LE(chunk.size(), 1024u);
         EXPECT_TRUE(chunk.ends_with("\r\n")) << received.size();
@@ -184,21 +186,16 @@ TEST_F(TtySerialPortTest, TakesBurstsWholeInChunksThatEndWithALine) {
 }
 
 TEST_F(TtySerialPortTest, AMaskOfNoneEndsExactlyOneWait) {
-    const CommHandle device = Open();
-    std::uint32_t event = 1;
     // Before the wait, and with another mask set in between.
     port.SetCommMask(device, 0);
     port.SetCommMask(device, EV_RXCHAR);
-    EXPECT_TRUE(port.WaitCommEvent(device, event));
-    EXPECT_EQ(event, 0u);
+    EXPECT_EQ(Wait(), 0u);
 
     // During a wait; the next one waits for data again.
     std::atomic<int> waits = 0;
     const auto reader = runtime.CreateThread({"reader"}, [&] {
-        for (int i = 0; i < 2; ++i) {
-            std::uint32_t seen = 99;
-            EXPECT_TRUE(port.WaitCommEvent(device, seen));
-            EXPECT_EQ(seen, i == 0 ? 0u : EV_RXCHAR);
+        for (const std::uint32_t event : {0u, EV_RXCHAR}) {
+            EXPECT_EQ(Wait(), event);
             ++waits;
         }
     });
@@ -212,11 +209,9 @@ TEST_F(TtySerialPortTest, AMaskOfNoneEndsExactlyOneWait) {
 }
 
 TEST_F(TtySerialPortTest, WaitsWithoutWakingUp) {
-    const CommHandle device = Open();
     std::atomic<long> wakeUps = -1;
     const auto reader = runtime.CreateThread({"reader"}, [&] {
-        std::uint32_t event = 0;
-        port.WaitCommEvent(device, event);
+        Wait();
         wakeUps = test::CostOfThisThread().wakeUps;
     });
     EXPECT_EQ(reader->Wait(300), WaitResult::Timeout);
@@ -226,22 +221,19 @@ TEST_F(TtySerialPortTest, WaitsWithoutWakingUp) {
 }
 
 TEST_F(TtySerialPortTest, PurgesWhatIsQueuedInBothPlaces) {
-    const CommHandle device = Open();
-    std::uint32_t event = 0;
     Feed("queued");
-    EXPECT_TRUE(port.WaitCommEvent(device, event));
+    EXPECT_EQ(Wait(), EV_RXCHAR);
     Feed("in the tty");
     pollfd readable{open(path.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK), POLLIN, 0};
     poll(&readable, 1, 1000);
     close(readable.fd);
     EXPECT_TRUE(port.PurgeComm(device, PURGE_TXCLEAR | PURGE_RXCLEAR));
-    EXPECT_EQ(TakeChunk(device), "");
+    EXPECT_EQ(TakeChunk(), "");
     Feed("fresh");
-    EXPECT_EQ(AwaitChunk(device), "fresh");
+    EXPECT_EQ(AwaitChunk(), "fresh");
 }
 
 TEST_F(TtySerialPortTest, WritesWithinItsTimeoutAndReportsWhatWasTaken) {
-    const CommHandle device = Open();
     port.SetCommTimeouts(device, {0xFFFFFFFF, 0, 0, 0, 100});
     std::size_t written = 0;
     EXPECT_TRUE(port.WriteFile(device, "AT\r", written));
@@ -270,45 +262,33 @@ TEST_F(TtySerialPortTest, WritesWithinItsTimeoutAndReportsWhatWasTaken) {
 }
 
 TEST_F(TtySerialPortTest, ClosingEndsEveryCallOnOtherThreads) {
-    const auto before = test::OpenDescriptors();
+    port.CloseHandle(device);
+    const auto descriptors = test::OpenDescriptors();
     for (int round = 0; round < 20; ++round) {
-        const CommHandle device = Open();
-        port.SetCommTimeouts(device, {0xFFFFFFFF, 0, 0, 0, 0});  // a write without a limit
-        const auto reader = runtime.CreateThread({"reader"}, [&] {
-            std::uint32_t event = 0;
-            while (port.WaitCommEvent(device, event)) {
-                char byte = 0;
-                std::size_t read = 0;
-                if (!port.ReadFile(device, {&byte, 1}, read)) break;
+        Open();
+        const auto reader = runtime.CreateThread({"reader"}, [this] {
+            char byte = 0;
+            std::size_t count = 0;
+            while (Wait() && port.ReadFile(device, {&byte, 1}, count)) {
             }
         });
-        const auto writer = runtime.CreateThread({"writer"}, [&] {
-            const std::string flood(std::size_t{256} * 1024, 'f');
-            std::size_t written = 0;
-            EXPECT_FALSE(port.WriteFile(device, flood, written));
-        });
+        const auto writer = StartToWrite();
         Feed("some input");
         runtime.Sleep(static_cast<Ticks>(round % 5));
         port.CloseHandle(device);
         ASSERT_EQ(reader->Wait(longEnough), WaitResult::Object0);
         ASSERT_EQ(writer->Wait(longEnough), WaitResult::Object0);
-        std::uint32_t event = 0;
-        EXPECT_FALSE(port.WaitCommEvent(device, event));
+        EXPECT_EQ(Wait(), std::nullopt);
     }
-    EXPECT_EQ(test::OpenDescriptors(), before);
+    EXPECT_EQ(test::OpenDescriptors(), descriptors);
     EXPECT_EQ(vanished, 0);
 }
 
 TEST_F(TtySerialPortTest, AVanishedDeviceIsNoticedOnceAndStaysSilent) {
-    const CommHandle device = Open();
-    std::atomic<int> ended = 0;
-    const auto reader = runtime.CreateThread({"reader"}, [&] {
-        std::uint32_t event = 99;
-        EXPECT_TRUE(port.WaitCommEvent(device, event));
-        EXPECT_EQ(event, 0u) << "bytes that came just before are not reported";
+    const auto reader = runtime.CreateThread({"reader"}, [this] {
+        EXPECT_EQ(Wait(), 0u) << "bytes that came just before are not reported";
         EXPECT_LT(test::CostOfThisThread().wakeUps, 20);
         EXPECT_LT(test::CostOfThisThread().cpuMilliseconds, 100) << "no busy loop";
-        ++ended;
     });
     EXPECT_EQ(reader->Wait(20), WaitResult::Timeout);
     modem.Reset();
@@ -322,28 +302,19 @@ TEST_F(TtySerialPortTest, AVanishedDeviceIsNoticedOnceAndStaysSilent) {
     EXPECT_EQ(vanished, 1);
     port.CloseHandle(device);
 
-    OpenTerminal();
-    const CommHandle again = Open();
+    Connect();
     Feed("back");
-    EXPECT_EQ(AwaitChunk(again), "back");
+    EXPECT_EQ(AwaitChunk(), "back");
 }
 
 TEST_F(TtySerialPortTest, AWriterNoticesAVanishedDeviceToo) {
-    const CommHandle device = Open();
-    port.SetCommTimeouts(device, {0xFFFFFFFF, 0, 0, 0, 0});
-    const auto writer = runtime.CreateThread({"writer"}, [&] {
-        const std::string flood(std::size_t{256} * 1024, 'f');
-        std::size_t written = 0;
-        EXPECT_FALSE(port.WriteFile(device, flood, written));
-    });
+    const auto writer = StartToWrite();
     EXPECT_EQ(writer->Wait(20), WaitResult::Timeout);
     modem.Reset();
     EXPECT_EQ(writer->Wait(longEnough), WaitResult::Object0);
     EXPECT_EQ(vanished, 1);
-    std::uint32_t event = 99;
     port.SetCommMask(device, 0);
-    EXPECT_TRUE(port.WaitCommEvent(device, event));
-    EXPECT_EQ(event, 0u);
+    EXPECT_EQ(Wait(), 0u);
 }
 
 }  // namespace
