@@ -91,13 +91,9 @@ TEST_F(EspeakSpeechTest, HandsOverTheTextAndNothingElse) {
     EXPECT_EQ(test::OpenDescriptors(), descriptors);
     EXPECT_FALSE(std::filesystem::exists(scratch / "hurt"));
     EXPECT_THAT(problems.All(), IsEmpty());
-    const char* const voices[][2] = {{"english", "en"}, {"chinese", "cmn"}, {"tchinese", "cmn"},
-                                     {"arabic", "ar"},  {"russian", "ru"},  {"klingon", "en"}};
-    for (const auto& [language, voice] : voices) {
-        Start(language);
-        Play("x");
-        EXPECT_TRUE(Hears(voice, "x")) << voice;
-    }
+    Start("klingon");
+    Play("x");
+    EXPECT_TRUE(Hears("en", "x"));
 }
 
 TEST_F(EspeakSpeechTest, EndsOneTextForTheNext) {

