@@ -218,6 +218,7 @@ TEST_F(SqliteRegistryTest, SetsADamagedFileAsideAndBeginsAnew) {
     const std::pair<const char*, std::string> damaged[] = {
         {"text", "this is no database, not at all"},
         {"zeroes behind the header", sound.substr(0, 100) + std::string(sound.size() - 100, '\0')},
+        {"zeroes in the middle", std::string(sound).replace(20'480, 4096, 4096, '\0')},
         {"cut", sound.substr(0, sound.size() - 4096)},
         {"a table of another shape", test::FileContent(scratch / "other.db")},
     };
