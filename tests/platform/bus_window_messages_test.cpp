@@ -71,11 +71,6 @@ TEST_F(BusWindowMessagesTest, PostsReachWindowsOfAnyProgramInOrder) {
     for (std::uint32_t i = 0; i < 100; ++i)
         ASSERT_EQ(phone.received[i], (WindowMessage{WM_USER + 1000, i, 0xFFFFFFFF}));
     EXPECT_EQ(other.received, std::vector<WindowMessage>({{othersQuit, 1, 2}}));
-
-    // To itself, from its own handler's thread: no bus in between.
-    EXPECT_TRUE(phone.windows.PostMessage(dialog, {quit, 3, 4}));
-    ServePosted();
-    EXPECT_EQ(phone.received.back(), (WindowMessage{quit, 3, 4}));
 }
 
 TEST_F(BusWindowMessagesTest, ABroadcastReachesEveryWindowOnce) {

@@ -23,7 +23,6 @@ TEST(LinuxRuntimeTest, ManualEventsLetEverybodyPassUntilReset) {
     EXPECT_EQ(event->Wait(0), WaitResult::Timeout);
     std::atomic<int> passed = 0;
     std::vector<std::shared_ptr<Thread>> waiters;
-    waiters.reserve(4);
     for (int i = 0; i < 4; ++i)
         waiters.push_back(runtime.CreateThread({"waiter"}, [&] {
             if (event->Wait(infiniteTicks) == WaitResult::Object0) ++passed;
