@@ -110,6 +110,8 @@ TEST_F(ClientTest, AsksAndTells) {
     for (const Case& each : cases) {
         phone->received.clear();
         ExpectEnd(each);
+        // Who only posts does not wait for the program to hear it.
+        ServeUntil([&] { return phone->received.size() >= each.received.size(); });
         ServePosted();
         EXPECT_EQ(phone->received, each.received) << each.arguments.front();
     }
