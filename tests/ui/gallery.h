@@ -101,7 +101,7 @@ inline void Ring(Gallery& g) {
 inline Screen IncomingCall(Gallery& g) {
     Ring(g);
     auto screen = g.Open<CCallInDlg>(*g.context);
-    screen->SetCallerText("13800138000");
+    screen->SetCallerText(g.ann.name + " " + g.language.LoadString("IDS_RING"));
     g.RunFor(2000);
     return screen;
 }
