@@ -24,6 +24,8 @@ TEST_F(SharedBlockTest, ForgetsWhatAnEarlierRunLeftButItsWindow) {
     ASSERT_TRUE(data.SetConnectionStatus(ConnectionStatus::Up));
     ASSERT_TRUE(data.AnswerImsi(std::string(300, '4')));
     EXPECT_EQ(std::u16string(block.imsi), std::u16string(255, '4'));
+    ASSERT_TRUE(data.AnswerImsi("460001234567890"));
+    EXPECT_EQ(std::u16string(block.imsi), u"460001234567890") << "nothing of a longer one stays";
     ASSERT_TRUE(data.Clear());
     EXPECT_EQ(block.windowHandle, 0x12345678u);
     EXPECT_EQ(block.connectionStatus, 0u);

@@ -52,6 +52,8 @@ tap() {
         xdotool mousemove "$x" "$y" click 1
     done
 }
+# The main screen is on top again: others use the numbers of its cells for their own.
+await_main() { wait_for 20 "the main screen" find_target $main_dial_pad; }
 tap_twice() {
     aim "$1"
     xdotool mousemove "$x" "$y" click --repeat 2 --delay 40 1

@@ -6,3 +6,4 @@ await 30 "Press 1 for the balance"
 tap $ussd_reply $code_1 $ok
 await 30 "Your balance is 12.50"
 tap $ok
+await_main
