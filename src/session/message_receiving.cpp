@@ -141,8 +141,12 @@ MessageReceiving::Reading MessageReceiving::Read(SimSlot slot, Which which) {
     const auto index = static_cast<std::size_t>(slot.Number());
     const bool askedBefore = m_unkept[index];
     m_unkept[index] = true;
-    const bool asked = Quietly([&] { at.cmd_readms(slot); }, readPause);
-    const Reading outcome = asked ? AwaitContent(answer) : Reading::NoAnswer;
+    Ticks start = 0;
+    const auto ask = [&] {
+        start = m_session.platform.runtime.GetTickCount();
+        at.cmd_readms(slot);
+    };
+    const Reading outcome = Quietly(ask, readPause) ? AwaitContent(start, answer) : Reading::NoAnswer;
     m_readPending = false;
     if (outcome != Reading::Kept) {
         if (outcome == Reading::Empty) m_unkept[index] = askedBefore;
@@ -155,17 +159,18 @@ MessageReceiving::Reading MessageReceiving::Read(SimSlot slot, Which which) {
     return result;
 }
 
-// Kept when there is content.
-MessageReceiving::Reading MessageReceiving::AwaitContent(FixedText<1024>& answer) {
-    const Ticks start = m_session.platform.runtime.GetTickCount();
+// Kept when there is content. An answer that is late may have been lost with a message that the module takes
+// for read; the next command would look like its end.
+MessageReceiving::Reading MessageReceiving::AwaitContent(Ticks start, FixedText<1024>& answer) {
     for (;;) {
         // Looked at before the content, because the final result comes behind it.
         const bool over = !m_session.at.AnswerOutstanding(infiniteTicks);
         const bool late = TicksSince(m_session.platform.runtime.GetTickCount(), start) >= longestAnswer;
         answer = m_answer.Get();
         if (!answer.Empty()) return Reading::Kept;
+        if (late || !ModuleReady(m_session)) return Reading::NoAnswer;
         if (over) return Reading::Empty;
-        if (late || !ModuleReady(m_session) || !m_worker.Pause(slice)) return Reading::NoAnswer;
+        if (!m_worker.Pause(slice)) return Reading::NoAnswer;
     }
 }
 

@@ -69,7 +69,7 @@ class MessageReceiving {
 
     // Of other messages than `which` nothing is kept; they count as kept.
     Reading Read(SimSlot slot, Which which);
-    Reading AwaitContent(FixedText<1024>& answer);
+    Reading AwaitContent(Ticks start, FixedText<1024>& answer);
     Reading Keep(SimSlot slot, std::string_view answer);
     template <class Send>
     bool Quietly(Send send, Ticks pause);
