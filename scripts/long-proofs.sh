@@ -18,13 +18,10 @@ run_lane() {
         fuzz.*)
             target=${1#fuzz.}
             mkdir -p "out/fuzz/$target"
-            longest=4096
-            # Longer settings are more of the same lines.
-            [ "$target" != unit_file ] || longest=512
             # Leaks are looked for once, at the end: after each input it takes longer than the input.
             ASAN_OPTIONS=quarantine_size_mb=16:malloc_context_size=4 "build/fuzz/fuzz/${target}_fuzz" \
                 "out/fuzz/$target" "fuzz/corpus/$target" -artifact_prefix="out/fuzz/$target-" \
-                -runs="$inputs" -max_len=$longest -detect_leaks=0 -timeout=300 -rss_limit_mb=2048 -print_final_stats=1
+                -runs="$inputs" -detect_leaks=0 -timeout=300 -rss_limit_mb=2048 -print_final_stats=1
             ;;
         cuts) VARKEL_SEEDS=10000 build/release/tests/stores/store_tests --gtest_filter='PowerCut.Leaves*' ;;
         seeds.*)
